@@ -1,0 +1,53 @@
+#pragma once
+
+#include <dataviews/platform/property/ExceptionBase.h>
+
+#include <QSize>
+
+#include <optional>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace analyzer {
+
+/// The program was called in a way that it does not understand; the message is one line.
+class UsageError : public ExceptionBase
+{
+public:
+    using ExceptionBase::ExceptionBase;
+};
+
+/// What the program is asked to do. Texts are UTF-8.
+struct CommandLine
+{
+    /// One --set: VIEW.PROPERTY=VALUE.
+    struct Assignment
+    {
+        std::string viewKind;
+        std::size_t viewNumber = 1; ///< among the views of the kind, from 1
+        std::string property;
+        std::string value;
+    };
+
+    std::string study; ///< empty if none is named
+    bool help = false;
+    bool version = false;
+    bool info = false;
+    std::vector<std::string> views; ///< kinds, in order
+    std::vector<Assignment> assignments;
+    std::vector<std::pair<unsigned long long, unsigned long long>>
+        selection; ///< ranges of case IDs, ends included
+    bool hasSelection = false;
+    std::optional<QSize> size;
+    std::string screenshot; ///< empty if none is asked for
+
+    /// Understands \p arguments, those after the program's name.
+    /// \throws UsageError
+    [[nodiscard]] static CommandLine parse(const std::vector<std::string>& arguments);
+
+    /// The text of --help.
+    [[nodiscard]] static std::string helpText();
+};
+
+} // namespace analyzer

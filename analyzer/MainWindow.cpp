@@ -1,0 +1,631 @@
+#include <analyzer/MainWindow.h>
+#include <analyzer/StudyLoader.h>
+#include <analyzer/panels/SettingsPanel.h>
+#include <analyzer/study/studyInfo.h>
+#include <analyzer/views/AnalyzerViewInterface.h>
+#include <analyzer/views/viewKinds.h>
+
+#include <dataviews/common/selection/RecordTableUtils.h>
+#include <dataviews/common/views/CvWaitCursor.h>
+
+#include <dataviews/platform/data/Project.h>
+#include <dataviews/platform/selection/SelectionModel.h>
+#include <dataviews/platform/undo/UndoStack.h>
+
+#include <QAction>
+#include <QActionGroup>
+#include <QApplication>
+#include <QCloseEvent>
+#include <QDockWidget>
+#include <QDragEnterEvent>
+#include <QFileDialog>
+#include <QFileInfo>
+#include <QLabel>
+#include <QLocale>
+#include <QMenu>
+#include <QMenuBar>
+#include <QMessageBox>
+#include <QMimeData>
+#include <QProgressDialog>
+#include <QSettings>
+#include <QStatusBar>
+#include <QToolBar>
+#include <QUndoStack>
+
+#include <vtkTable.h>
+#include <vtkTableAlgorithm.h>
+
+#include <boost/make_shared.hpp>
+
+#include <algorithm>
+#include <cmath>
+#include <iterator>
+#include <set>
+
+namespace analyzer {
+
+namespace {
+
+constexpr const char* recentKey = "RecentStudies";
+constexpr int maxRecent = 10;
+constexpr int progressInterval = 50; // milliseconds
+constexpr int progressSteps = 1000;
+
+QString counted(std::size_t number)
+{
+    return QLocale(QLocale::English, QLocale::UnitedStates)
+        .toString(static_cast<qulonglong>(number));
+}
+
+} // namespace
+
+MainWindow::MainWindow()
+    : m_selection(boost::make_shared<SelectionModel>())
+    , m_pipeline(std::make_unique<DataPipelineManager>(Project::project()))
+    , m_loader(new StudyLoader(this))
+    , m_firstViews({"scatter", "table"})
+{
+    setObjectName(QStringLiteral("MainWindow"));
+    setWindowTitle(tr("DataViews"));
+    setAcceptDrops(true);
+    resize(1280, 800);
+
+    buildMenus();
+    buildPanels();
+
+    m_connections.add(m_selection->signalSelectionChanged.connect(
+        [this](const std::set<unsigned long long>& selection) {
+            m_selectedCount = selection.size();
+            updateStatus();
+        }));
+    m_connections.add(m_pipeline->signalPipelineChanged.connect([this] { updateStatus(); }));
+    connect(m_loader, &StudyLoader::finished, this, &MainWindow::takeStudy);
+    connect(m_loader, &StudyLoader::cancelled, this, [this] { delete m_progress.data(); });
+    connect(
+        m_loader, &StudyLoader::failed, this, [this](const QString& path, const QString& message) {
+            delete m_progress.data();
+            tellError(message);
+            Q_EMIT openingFailed(path, message);
+        });
+    connect(qApp, &QApplication::focusChanged, this, [this](QWidget*, QWidget* now) {
+        focusMoved(now);
+    });
+    m_progressTimer.setInterval(progressInterval);
+    connect(&m_progressTimer, &QTimer::timeout, this, [this] {
+        if (m_progress && m_loader->isRunning()) {
+            m_progress->setValue(
+                static_cast<int>(std::lround(m_loader->fraction() * (progressSteps - 1))));
+        } else {
+            m_progressTimer.stop();
+        }
+    });
+    updateActions();
+    updateStatus();
+}
+
+MainWindow::~MainWindow()
+{
+    m_connections.clear();
+    closeViews();
+    UndoStack::history().clear();
+}
+
+void MainWindow::openStudy(const QString& path)
+{
+    m_loader->start(path);
+    delete m_progress.data();
+    m_progress = new QProgressDialog(
+        tr("Reading %1…").arg(QFileInfo(path).fileName()), tr("Cancel"), 0, progressSteps, this);
+    m_progress->setWindowTitle(tr("Open Study"));
+    m_progress->setWindowModality(Qt::WindowModal);
+    m_progress->setAutoClose(false);
+    m_progress->setAutoReset(false);
+    m_progress->setMinimumDuration(300);
+    m_progress->setValue(0);
+    connect(m_progress, &QProgressDialog::canceled, m_loader, &StudyLoader::cancel);
+    m_progressTimer.start();
+}
+
+bool MainWindow::isOpening() const
+{
+    return m_loader->isRunning();
+}
+
+boost::shared_ptr<AnalyzerViewInterface> MainWindow::addView(const std::string& kind)
+{
+    const boost::shared_ptr<AnalyzerViewInterface> view = makeView(kind, *m_pipeline, m_selection);
+    int number = 1;
+    for (const OpenView& open : m_views) {
+        number = open.view->kind() == kind ? std::max(number, open.number + 1) : number;
+    }
+
+    auto* dock = new QDockWidget(m_viewArea);
+    dock->setObjectName(QStringLiteral("View%1").arg(++m_viewsMade));
+    dock->setAttribute(Qt::WA_DeleteOnClose, false);
+    dock->setWidget(&view->widget());
+    dock->installEventFilter(this);
+    if (m_views.empty()) {
+        m_welcome->hide();
+        m_viewArea->addDockWidget(Qt::LeftDockWidgetArea, dock);
+    } else {
+        m_viewArea->splitDockWidget(m_views.back().dock, dock, Qt::Horizontal);
+    }
+    m_views.push_back({view, dock, number});
+    nameDock(view.get());
+
+    // Equal shares for all views.
+    QList<QDockWidget*> docks;
+    QList<int> widths;
+    for (const OpenView& open : m_views) {
+        docks.append(open.dock);
+        widths.append(1);
+    }
+    m_viewArea->resizeDocks(docks, widths, Qt::Horizontal);
+
+    AnalyzerViewInterface* raw = view.get();
+    m_connections.add(view->signalTitleChanged.connect([this, raw] { nameDock(raw); }));
+    m_connections.add(view->signalContextMenuRequested.connect([this, raw](const QPoint& place) {
+        const auto found = find(raw);
+        if (found != m_views.end()) {
+            setActiveView(found->view);
+        }
+        showContextMenu(place);
+    }));
+    dock->show();
+    setActiveView(view);
+    updateActions();
+    return view;
+}
+
+std::vector<boost::shared_ptr<AnalyzerViewInterface>> MainWindow::views() const
+{
+    std::vector<boost::shared_ptr<AnalyzerViewInterface>> result;
+    for (const OpenView& open : m_views) {
+        result.push_back(open.view);
+    }
+    return result;
+}
+
+boost::shared_ptr<AnalyzerViewInterface> MainWindow::activeView() const
+{
+    return m_active;
+}
+
+void MainWindow::setActiveView(const boost::shared_ptr<AnalyzerViewInterface>& view)
+{
+    if (view == m_active) {
+        return;
+    }
+    m_active = view;
+    m_activeConnections.clear();
+    if (m_active && m_active->mouseModeProperty()) {
+        m_activeConnections.add(m_active->mouseModeProperty()->valueChanged.connect(
+            [this](DataViewInterface::MouseMode) { updateActions(); }));
+    }
+    for (const OpenView& open : m_views) {
+        nameDock(open.view.get());
+    }
+    m_settings->setView(view);
+    updateActions();
+}
+
+void MainWindow::assign(const CommandLine::Assignment& assignment)
+{
+    std::size_t number = 0;
+    for (const OpenView& open : m_views) {
+        if (open.view->kind() != assignment.viewKind || ++number != assignment.viewNumber) {
+            continue;
+        }
+        std::string known;
+        for (const boost::shared_ptr<SettingInterface>& setting : open.view->settings()) {
+            if (setting->name() == assignment.property) {
+                setting->setText(assignment.value);
+                return;
+            }
+            known += (known.empty() ? "" : ", ") + setting->name();
+        }
+        throw UsageError(
+            "A view of kind " + assignment.viewKind + " has no property \"" + assignment.property
+            + "\"" + (known.empty() ? std::string(".") : "; it has " + known + "."));
+    }
+    throw UsageError(
+        "There is no view " + assignment.viewKind + std::to_string(assignment.viewNumber)
+        + " to set " + assignment.property + " of.");
+}
+
+void MainWindow::selectAll()
+{
+    const CvWaitCursor waitCursor;
+    m_pipeline->output().Update();
+    m_selection->takeSelection(RecordTableUtils::caseIDs(*m_pipeline->output().GetOutput()));
+}
+
+void MainWindow::clearSelection()
+{
+    m_selection->setSelection({});
+}
+
+void MainWindow::invertSelection()
+{
+    const CvWaitCursor waitCursor;
+    m_pipeline->output().Update();
+    const std::set<unsigned long long> shown =
+        RecordTableUtils::caseIDs(*m_pipeline->output().GetOutput());
+    const std::set<unsigned long long> selected = m_selection->getSelections();
+    // Cases that are not shown stay as they are.
+    std::set<unsigned long long> inverted;
+    std::set_symmetric_difference(
+        shown.begin(),
+        shown.end(),
+        selected.begin(),
+        selected.end(),
+        std::inserter(inverted, inverted.end()));
+    m_selection->takeSelection(std::move(inverted));
+}
+
+void MainWindow::tellError(const QString& message)
+{
+    Q_EMIT errorTold(message);
+    if (m_tellsErrorsInDialogs) {
+        QMessageBox::warning(this, tr("DataViews"), message);
+    }
+}
+
+void MainWindow::closeEvent(QCloseEvent* event)
+{
+    m_loader->cancel();
+    QMainWindow::closeEvent(event);
+}
+
+void MainWindow::dragEnterEvent(QDragEnterEvent* event)
+{
+    const QList<QUrl> urls = event->mimeData()->urls();
+    if (urls.size() == 1 && urls.first().isLocalFile()) {
+        event->acceptProposedAction();
+    }
+}
+
+void MainWindow::dropEvent(QDropEvent* event)
+{
+    const QList<QUrl> urls = event->mimeData()->urls();
+    if (!urls.isEmpty()) {
+        openStudy(urls.first().toLocalFile());
+    }
+}
+
+bool MainWindow::eventFilter(QObject* watched, QEvent* event)
+{
+    auto* dock = qobject_cast<QDockWidget*>(watched);
+    if (dock != nullptr && event->type() == QEvent::Close) {
+        // Later: the dock is in the middle of its own event.
+        QTimer::singleShot(0, this, [this, dock] { closeView(dock); });
+    }
+    return QMainWindow::eventFilter(watched, event);
+}
+
+void MainWindow::buildMenus()
+{
+    const auto add =
+        [this](QMenu* menu, const QString& text, const QKeySequence& shortcut, auto slot) {
+            QAction* action = menu->addAction(text);
+            action->setShortcut(shortcut);
+            connect(action, &QAction::triggered, this, slot);
+            return action;
+        };
+
+    QMenu* file = menuBar()->addMenu(tr("&File"));
+    QAction* open = add(file, tr("&Open Study…"), QKeySequence::Open, &MainWindow::chooseStudyFile);
+    add(file, tr("Open Study &Folder…"), tr("Ctrl+Shift+O"), &MainWindow::chooseStudyFolder);
+    m_recentMenu = file->addMenu(tr("Open &Recent"));
+    file->addSeparator();
+    m_showReport = add(file, tr("Study &Information…"), QKeySequence(), &MainWindow::showReport);
+    file->addSeparator();
+    QAction* quit = add(file, tr("&Quit"), QKeySequence::Quit, &QWidget::close);
+    quit->setMenuRole(QAction::QuitRole);
+
+    QMenu* edit = menuBar()->addMenu(tr("&Edit"));
+    QAction* undo = UndoStack::history().createUndoAction(this, tr("&Undo"));
+    undo->setShortcut(QKeySequence::Undo);
+    QAction* redo = UndoStack::history().createRedoAction(this, tr("&Redo"));
+    redo->setShortcuts({QKeySequence::Redo, QKeySequence(tr("Ctrl+Y"))});
+    edit->addAction(undo);
+    edit->addAction(redo);
+    edit->addSeparator();
+    QAction* all = add(edit, tr("Select &All"), QKeySequence::SelectAll, &MainWindow::selectAll);
+    QAction* none =
+        add(edit, tr("&Clear Selection"), tr("Ctrl+Shift+A"), &MainWindow::clearSelection);
+    QAction* invert =
+        add(edit, tr("&Invert Selection"), tr("Ctrl+I"), &MainWindow::invertSelection);
+
+    QMenu* view = menuBar()->addMenu(tr("&View"));
+    m_viewMenu = view;
+    QAction* newChart =
+        add(view, tr("New &XY Chart"), tr("Ctrl+N"), [this] { addView("scatter"); });
+    QAction* newTable =
+        add(view, tr("New Case &Table"), tr("Ctrl+T"), [this] { addView("table"); });
+    view->addSeparator();
+    m_mouseModes = new QActionGroup(this);
+
+    const struct
+    {
+        QString text;
+        QString shortcut;
+        DataViewInterface::MouseMode mode;
+    } modes[] = {
+        {tr("Mouse &Selects"), tr("Ctrl+1"), DataViewInterface::Select},
+        {tr("Mouse &Pans"), tr("Ctrl+2"), DataViewInterface::Pan},
+        {tr("Mouse &Zooms"), tr("Ctrl+3"), DataViewInterface::Zoom},
+    };
+
+    for (const auto& mode : modes) {
+        QAction* action = add(view, mode.text, mode.shortcut, [this, value = mode.mode] {
+            if (m_active && m_active->mouseModeProperty()) {
+                m_active->mouseModeProperty()->setValue(value);
+            }
+        });
+        action->setCheckable(true);
+        action->setData(static_cast<int>(mode.mode));
+        m_mouseModes->addAction(action);
+    }
+    view->addSeparator();
+    m_fit = add(view, tr("&Fit Data"), tr("Ctrl+0"), [this] { m_active->fitData(); });
+    m_resetX =
+        add(view, tr("Reset X Axis"), tr("Ctrl+Shift+X"), [this] { m_active->resetXAxis(); });
+    m_resetY =
+        add(view, tr("Reset Y Axis"), tr("Ctrl+Shift+Y"), [this] { m_active->resetYAxis(); });
+
+    QMenu* help = menuBar()->addMenu(tr("&Help"));
+    add(help, tr("&About DataViews"), QKeySequence(), &MainWindow::showAbout);
+
+    QToolBar* tools = addToolBar(tr("Tools"));
+    tools->setObjectName(QStringLiteral("Tools"));
+    tools->setToolButtonStyle(Qt::ToolButtonTextOnly);
+    tools->addAction(open);
+    tools->addSeparator();
+    tools->addAction(undo);
+    tools->addAction(redo);
+    tools->addSeparator();
+    tools->addActions(m_mouseModes->actions());
+    tools->addAction(m_fit);
+    tools->addSeparator();
+    tools->addAction(newChart);
+    tools->addAction(newTable);
+
+    m_selectionActions = {all, none, invert};
+    m_studyActions = {all, none, invert, newChart, newTable, m_showReport};
+    updateRecent();
+}
+
+void MainWindow::buildPanels()
+{
+    m_viewArea = new QMainWindow(this);
+    m_viewArea->setWindowFlags(Qt::Widget); // a main window asks to be a window of its own
+    m_viewArea->setDockNestingEnabled(true);
+    m_viewArea->setTabPosition(Qt::AllDockWidgetAreas, QTabWidget::North);
+    // Charts place their legends in the first picture: no pictures of sizes on the way.
+    m_viewArea->setAnimated(false);
+    m_welcome = new QLabel(
+        tr("Open a study: File ▸ Open Study, or drop a file or folder here."), m_viewArea);
+    m_welcome->setAlignment(Qt::AlignCenter);
+    m_welcome->setWordWrap(true);
+    m_viewArea->setCentralWidget(m_welcome);
+    setCentralWidget(m_viewArea);
+
+    m_settings = new SettingsPanel(this);
+    auto* settingsDock = new QDockWidget(tr("Settings"), this);
+    settingsDock->setObjectName(QStringLiteral("Settings"));
+    settingsDock->setWidget(m_settings);
+    addDockWidget(Qt::RightDockWidgetArea, settingsDock);
+    m_viewMenu->addSeparator();
+    m_viewMenu->addAction(settingsDock->toggleViewAction());
+
+    m_status = new QLabel(this);
+    m_status->setObjectName(QStringLiteral("SelectionStatus"));
+    statusBar()->addPermanentWidget(m_status);
+}
+
+void MainWindow::takeStudy(const QString& path)
+{
+    delete m_progress.data();
+    ReadStudy study = m_loader->takeStudy();
+
+    // The views of the former study go before it does, and with them everything that could be undone.
+    closeViews();
+    UndoStack::history().clear();
+    m_selection->setSelection({});
+    m_report = study.report;
+    Project::project().replaceStudy(*study.project);
+
+    setWindowTitle(tr("%1 – DataViews").arg(QString::fromStdString(Project::project().name())));
+    rememberRecent(path);
+    for (const std::string& kind : m_firstViews) {
+        addView(kind);
+    }
+    if (!m_views.empty()) {
+        setActiveView(m_views.front().view);
+    }
+    updateActions();
+    updateStatus();
+    if (m_report.refusedLineCount > 0 || !m_report.notes.empty()) {
+        statusBar()->showMessage(
+            tr("The study was opened with remarks: File ▸ Study Information."), 10000);
+    }
+    Q_EMIT studyOpened(path);
+}
+
+void MainWindow::closeViews()
+{
+    while (!m_views.empty()) {
+        closeView(m_views.back().dock);
+    }
+}
+
+void MainWindow::closeView(QDockWidget* dock)
+{
+    const auto place = std::find_if(
+        m_views.begin(), m_views.end(), [dock](const OpenView& open) { return open.dock == dock; });
+    if (place == m_views.end()) {
+        return;
+    }
+    const OpenView closed = *place;
+    m_views.erase(place);
+    if (m_active == closed.view) {
+        setActiveView(
+            m_views.empty() ? boost::shared_ptr<AnalyzerViewInterface>() : m_views.back().view);
+    }
+    closed.dock->setWidget(nullptr);
+    delete closed.dock;
+    m_welcome->setVisible(m_views.empty());
+    updateActions();
+}
+
+void MainWindow::nameDock(const AnalyzerViewInterface* view)
+{
+    const auto found = find(view);
+    if (found == m_views.end()) {
+        return;
+    }
+    const QString kind = view->kind() == "table" ? tr("Table") : tr("Chart");
+    const QString mark = found->view == m_active ? QStringLiteral("● ") : QString();
+    found->dock->setWindowTitle(tr("%1%2 %3: %4")
+                                    .arg(mark, kind)
+                                    .arg(found->number)
+                                    .arg(QString::fromStdString(view->title())));
+}
+
+void MainWindow::focusMoved(const QWidget* widget)
+{
+    for (const OpenView& open : m_views) {
+        if (widget != nullptr && (widget == open.dock || open.dock->isAncestorOf(widget))) {
+            setActiveView(open.view);
+            return;
+        }
+    }
+}
+
+void MainWindow::showContextMenu(const QPoint& place)
+{
+    QMenu menu(this);
+    if (m_active && m_active->hasAxes()) {
+        menu.addActions({m_fit, m_resetX, m_resetY});
+        menu.addSeparator();
+        menu.addActions(m_mouseModes->actions());
+        menu.addSeparator();
+    }
+    menu.addActions(m_selectionActions);
+    menu.exec(place);
+}
+
+void MainWindow::updateActions()
+{
+    const bool hasStudy = Project::project().caseCount() > 0;
+    for (QAction* action : m_studyActions) {
+        action->setEnabled(hasStudy);
+    }
+    const bool hasAxes = m_active && m_active->hasAxes();
+    for (QAction* action : {m_fit, m_resetX, m_resetY}) {
+        action->setEnabled(hasAxes);
+    }
+    const bool hasModes = m_active && m_active->mouseModeProperty();
+    for (QAction* action : m_mouseModes->actions()) {
+        action->setEnabled(hasModes);
+        action->setChecked(
+            hasModes
+            && action->data().toInt() == static_cast<int>(m_active->mouseModeProperty()->value()));
+    }
+}
+
+void MainWindow::updateStatus()
+{
+    const std::size_t cases = Project::project().caseCount();
+    if (cases == 0) {
+        m_status->setText(tr("No study is open"));
+        return;
+    }
+    QString text = tr("%1 of %2 cases selected").arg(counted(m_selectedCount), counted(cases));
+    const std::size_t shown = m_pipeline->passingCount();
+    if (shown != cases) {
+        text += tr(", %1 shown").arg(counted(shown));
+    }
+    m_status->setText(text);
+}
+
+void MainWindow::updateRecent()
+{
+    m_recentMenu->clear();
+    const QStringList recent = QSettings().value(recentKey).toStringList();
+    for (const QString& path : recent) {
+        QAction* action = m_recentMenu->addAction(path);
+        connect(action, &QAction::triggered, this, [this, path] { openStudy(path); });
+    }
+    m_recentMenu->setEnabled(!recent.isEmpty());
+}
+
+void MainWindow::rememberRecent(const QString& path)
+{
+    const QString absolute = QFileInfo(path).absoluteFilePath();
+    QSettings settings;
+    QStringList recent = settings.value(recentKey).toStringList();
+    recent.removeAll(absolute);
+    recent.prepend(absolute);
+    while (recent.size() > maxRecent) {
+        recent.removeLast();
+    }
+    settings.setValue(recentKey, recent);
+    updateRecent();
+}
+
+void MainWindow::chooseStudyFile()
+{
+    const QString path = QFileDialog::getOpenFileName(
+        this, tr("Open Study"), QString(), tr("Tables (*.csv *.tsv *.txt);;All files (*)"));
+    if (!path.isEmpty()) {
+        openStudy(path);
+    }
+}
+
+void MainWindow::chooseStudyFolder()
+{
+    const QString path = QFileDialog::getExistingDirectory(this, tr("Open Study Folder"));
+    if (!path.isEmpty()) {
+        openStudy(path);
+    }
+}
+
+void MainWindow::showReport()
+{
+    QMessageBox box(this);
+    box.setWindowTitle(tr("Study Information"));
+    box.setText(tr("%1\n%2").arg(
+        QString::fromStdString(Project::project().name()),
+        QString::fromStdString(Project::project().filePath())));
+    box.setInformativeText(
+        tr("%1 cases, %2 variables, %3 images, %4 missing values, %5 refused lines")
+            .arg(
+                counted(m_report.cases),
+                counted(m_report.variables),
+                counted(m_report.images),
+                counted(m_report.missingValues),
+                counted(m_report.refusedLineCount)));
+    box.setDetailedText(QString::fromStdString(studyInfo(Project::project(), m_report)));
+    box.exec();
+}
+
+void MainWindow::showAbout()
+{
+    QMessageBox::about(
+        this,
+        tr("About DataViews"),
+        tr("DataViews %1\nLinked views of the cases of simulation and design studies.")
+            .arg(QStringLiteral(DATAVIEWS_VERSION)));
+}
+
+std::vector<MainWindow::OpenView>::const_iterator MainWindow::find(
+    const AnalyzerViewInterface* view) const
+{
+    return std::find_if(m_views.begin(), m_views.end(), [view](const OpenView& open) {
+        return open.view.get() == view;
+    });
+}
+
+} // namespace analyzer

@@ -1,0 +1,154 @@
+#pragma once
+
+#include <analyzer/CommandLine.h>
+#include <analyzer/study/StudyReport.h>
+
+#include <dataviews/platform/pipeline/DataPipelineManager.h>
+#include <dataviews/platform/signals/SignalConnectionCollection.h>
+
+#include <QMainWindow>
+#include <QPointer>
+#include <QTimer>
+
+#include <boost/shared_ptr.hpp>
+
+#include <memory>
+#include <string>
+#include <vector>
+
+class QAction;
+class QActionGroup;
+class QDockWidget;
+class QLabel;
+class QMenu;
+class QProgressDialog;
+class SelectionModelInterface;
+
+namespace analyzer {
+
+class AnalyzerViewInterface;
+class SettingsPanel;
+class StudyLoader;
+
+/// The window of the analyzer: menus, the views as docked panels, the settings of the active view, a status line.
+///
+/// Shows the open project; there is one main window. Errors are told in a dialog, or, with
+/// setTellsErrorsInDialogs(false), by errorTold() alone.
+class MainWindow : public QMainWindow
+{
+    Q_OBJECT
+
+public:
+    MainWindow();
+    MainWindow(const MainWindow&) = delete;
+    MainWindow& operator=(const MainWindow&) = delete;
+    ~MainWindow() override;
+
+    /// Reads the study at \p path in the background, with progress and cancel, and then shows it in place of the open
+    /// one. If it cannot be read, everything stays as it is.
+    void openStudy(const QString& path);
+
+    /// Whether a study is being read now.
+    [[nodiscard]] bool isOpening() const;
+
+    /// Kinds of the views that a study is opened with.
+    void setFirstViews(std::vector<std::string> kinds) { m_firstViews = std::move(kinds); }
+
+    /// Opens a view of \p kind, one of viewKinds(), beside the others and makes it the active one.
+    boost::shared_ptr<AnalyzerViewInterface> addView(const std::string& kind);
+
+    /// The open views, oldest first.
+    [[nodiscard]] std::vector<boost::shared_ptr<AnalyzerViewInterface>> views() const;
+
+    [[nodiscard]] boost::shared_ptr<AnalyzerViewInterface> activeView() const;
+    void setActiveView(const boost::shared_ptr<AnalyzerViewInterface>& view);
+
+    /// \throws UsageError if there is no such view or property; ExceptionBase if the value is refused.
+    void assign(const CommandLine::Assignment& assignment);
+
+    /// The selection that all views share.
+    [[nodiscard]] SelectionModelInterface& selection() { return *m_selection; }
+
+    /// What the reader said of the open study.
+    [[nodiscard]] const StudyReport& report() const { return m_report; }
+
+    void setTellsErrorsInDialogs(bool inDialogs) { m_tellsErrorsInDialogs = inDialogs; }
+
+public Q_SLOTS:
+    void selectAll();
+    void clearSelection();
+    void invertSelection();
+
+    /// Shows \p message to the user.
+    void tellError(const QString& message);
+
+Q_SIGNALS:
+    void studyOpened(const QString& path);
+    void openingFailed(const QString& path, const QString& message);
+    void errorTold(const QString& message);
+
+protected:
+    void closeEvent(QCloseEvent* event) override;
+    void dragEnterEvent(QDragEnterEvent* event) override;
+    void dropEvent(QDropEvent* event) override;
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
+private:
+    struct OpenView
+    {
+        boost::shared_ptr<AnalyzerViewInterface> view;
+        QDockWidget* dock;
+        int number;
+    };
+
+    void buildMenus();
+    void buildPanels();
+    void takeStudy(const QString& path);
+    void closeViews();
+    void closeView(QDockWidget* dock);
+    void nameDock(const AnalyzerViewInterface* view);
+    void focusMoved(const QWidget* widget);
+    void showContextMenu(const QPoint& place);
+    void updateActions();
+    void updateStatus();
+    void updateRecent();
+    void rememberRecent(const QString& path);
+    void chooseStudyFile();
+    void chooseStudyFolder();
+    void showReport();
+    void showAbout();
+    [[nodiscard]] std::vector<OpenView>::const_iterator find(
+        const AnalyzerViewInterface* view) const;
+
+    boost::shared_ptr<SelectionModelInterface> m_selection;
+    std::unique_ptr<DataPipelineManager> m_pipeline;
+    StudyLoader* m_loader;
+    StudyReport m_report;
+    std::vector<OpenView> m_views;
+    boost::shared_ptr<AnalyzerViewInterface> m_active;
+    std::vector<std::string> m_firstViews;
+    int m_viewsMade = 0;
+    std::size_t m_selectedCount = 0;
+    bool m_tellsErrorsInDialogs = true;
+
+    QMainWindow* m_viewArea =
+        nullptr; ///< within the window, so that views and panels do not share their widths
+    QLabel* m_welcome = nullptr;
+    SettingsPanel* m_settings = nullptr;
+    QLabel* m_status = nullptr;
+    QMenu* m_recentMenu = nullptr;
+    QMenu* m_viewMenu = nullptr;
+    QActionGroup* m_mouseModes = nullptr;
+    QAction* m_fit = nullptr;
+    QAction* m_resetX = nullptr;
+    QAction* m_resetY = nullptr;
+    QAction* m_showReport = nullptr;
+    QList<QAction*> m_selectionActions;
+    QList<QAction*> m_studyActions; ///< those that need an open study
+    QPointer<QProgressDialog> m_progress;
+    QTimer m_progressTimer;
+    SignalConnectionCollection m_activeConnections;
+    SignalConnectionCollection m_connections;
+};
+
+} // namespace analyzer

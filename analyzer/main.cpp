@@ -1,0 +1,6 @@
+#include <analyzer/runAnalyzer.h>
+
+int main(int argc, char** argv)
+{
+    return analyzer::runAnalyzer(argc, argv);
+}

@@ -1,0 +1,198 @@
+#include <analyzer/AnalyzerApplication.h>
+#include <analyzer/CommandLine.h>
+#include <analyzer/MainWindow.h>
+#include <analyzer/runAnalyzer.h>
+#include <analyzer/study/ReadProgress.h>
+#include <analyzer/study/StudyReader.h>
+#include <analyzer/study/studyInfo.h>
+#include <analyzer/views/AnalyzerViewInterface.h>
+
+#include <dataviews/platform/data/Project.h>
+#include <dataviews/platform/selection/SelectionModelInterface.h>
+#include <dataviews/platform/undo/UndoStack.h>
+
+#include <QElapsedTimer>
+#include <QEventLoop>
+#include <QFile>
+#include <QPixmap>
+#include <QSurfaceFormat>
+#include <QVTKOpenGLNativeWidget.h>
+#include <QWindow>
+
+#include <exception>
+#include <iostream>
+#include <set>
+#include <string>
+#include <vector>
+
+namespace analyzer {
+
+namespace {
+
+constexpr int done = 0;
+constexpr int notDone = 1;
+constexpr int wrongUse = 2;
+
+int tell(const char* message, int status)
+{
+    std::cerr << "dataviews-analyzer: " << message << std::endl;
+    return status;
+}
+
+std::string toUtf8(const char* argument)
+{
+    return QFile::decodeName(argument).toStdString();
+}
+
+void printInfo(const std::string& path)
+{
+    ReadProgress progress;
+    const ReadStudy study = readStudy(path, progress);
+    std::cout << studyInfo(*study.project, study.report) << std::flush;
+}
+
+/// Waits until the study is there; throws what the window would have told.
+void openAndWait(MainWindow& window, const std::string& path)
+{
+    QEventLoop loop;
+    QString problem;
+    QObject::connect(&window, &MainWindow::studyOpened, &loop, &QEventLoop::quit);
+    QObject::connect(
+        &window, &MainWindow::openingFailed, &loop, [&](const QString&, const QString& message) {
+            problem = message;
+            loop.quit();
+        });
+    window.openStudy(QString::fromStdString(path));
+    loop.exec();
+    if (!problem.isEmpty()) {
+        throw ExceptionBase(problem.toStdString());
+    }
+}
+
+void select(MainWindow& window, const CommandLine& commandLine)
+{
+    std::set<unsigned long long> cases;
+    for (const auto& [first, last] : commandLine.selection) {
+        for (unsigned long long id = first; id <= last; ++id) {
+            if (!Project::project().row(id)) {
+                throw ExceptionBase("The study has no case " + std::to_string(id) + ".");
+            }
+            cases.insert(cases.end(), id);
+        }
+    }
+    window.selection().setSelection(cases);
+}
+
+/// Lets the window come up, lay itself out and draw.
+void settle(MainWindow& window)
+{
+    constexpr int patience = 5000; // milliseconds
+    QElapsedTimer timer;
+    timer.start();
+    while (timer.elapsed() < patience
+           && (window.windowHandle() == nullptr || !window.windowHandle()->isExposed())) {
+        QCoreApplication::processEvents(QEventLoop::AllEvents, 50);
+    }
+    // Layouts settle in a few rounds of events; the pictures are drawn at the end, once.
+    for (int round = 0; round < 3; ++round) {
+        QCoreApplication::processEvents(QEventLoop::AllEvents, 50);
+    }
+    for (const boost::shared_ptr<AnalyzerViewInterface>& view : window.views()) {
+        view->render();
+    }
+}
+
+void takeScreenshot(MainWindow& window, const std::string& fileName)
+{
+    settle(window);
+    if (!window.grab().save(QString::fromStdString(fileName))) {
+        throw ExceptionBase("The picture cannot be written to \"" + fileName + "\".");
+    }
+}
+
+int runWindow(const CommandLine& commandLine)
+{
+    MainWindow window;
+    auto* application = static_cast<AnalyzerApplication*>(qApp);
+    QObject::connect(
+        application,
+        &AnalyzerApplication::errorReached,
+        &window,
+        &MainWindow::tellError,
+        Qt::QueuedConnection);
+    if (commandLine.size) {
+        window.resize(*commandLine.size);
+    }
+    if (!commandLine.views.empty()) {
+        window.setFirstViews(commandLine.views);
+    }
+    window.show();
+
+    const bool isScript = !commandLine.screenshot.empty();
+    // A wrong call ends the program; a study that cannot be opened does so only where nobody sits at the window.
+    const bool mustSucceed =
+        isScript || !commandLine.assignments.empty() || commandLine.hasSelection;
+    if (!commandLine.study.empty() && !mustSucceed) {
+        window.openStudy(QString::fromStdString(commandLine.study));
+    }
+    if (mustSucceed) {
+        window.setTellsErrorsInDialogs(false);
+        if (!commandLine.study.empty()) {
+            openAndWait(window, commandLine.study);
+        }
+        {
+            const UndoStack::SuspendUndoRecording noRecording;
+            for (const CommandLine::Assignment& assignment : commandLine.assignments) {
+                window.assign(assignment);
+            }
+        }
+        if (commandLine.hasSelection) {
+            select(window, commandLine);
+        }
+        window.setTellsErrorsInDialogs(true);
+    }
+    if (isScript) {
+        takeScreenshot(window, commandLine.screenshot);
+        return done;
+    }
+    return QApplication::exec();
+}
+
+} // namespace
+
+int runAnalyzer(int argc, char** argv)
+{
+    QCoreApplication::setOrganizationName(QStringLiteral("DataViews"));
+    QCoreApplication::setApplicationName(QStringLiteral("DataViews"));
+    QCoreApplication::setApplicationVersion(QStringLiteral(DATAVIEWS_VERSION));
+    try {
+        const CommandLine commandLine = [&] {
+            std::vector<std::string> arguments;
+            for (int i = 1; i < argc; ++i) {
+                arguments.push_back(toUtf8(argv[i]));
+            }
+            return CommandLine::parse(arguments);
+        }();
+        if (commandLine.help) {
+            std::cout << CommandLine::helpText() << std::flush;
+            return done;
+        }
+        if (commandLine.version) {
+            std::cout << "dataviews-analyzer " DATAVIEWS_VERSION << std::endl;
+            return done;
+        }
+        if (commandLine.info) {
+            printInfo(commandLine.study);
+            return done;
+        }
+        QSurfaceFormat::setDefaultFormat(QVTKOpenGLNativeWidget::defaultFormat());
+        const AnalyzerApplication application(argc, argv);
+        return runWindow(commandLine);
+    } catch (const UsageError& error) {
+        return tell(error.what(), wrongUse);
+    } catch (const std::exception& error) {
+        return tell(error.what(), notDone);
+    }
+}
+
+} // namespace analyzer

@@ -1,0 +1,67 @@
+#pragma once
+
+#include <analyzer/views/SettingInterface.h>
+
+#include <dataviews/common/views/DataViewInterface.h>
+
+#include <dataviews/platform/signals/Signal.h>
+
+#include <QPoint>
+
+#include <boost/shared_ptr.hpp>
+
+#include <string>
+#include <vector>
+
+namespace analyzer {
+
+/// What the main window needs of a view, whatever its kind.
+class AnalyzerViewInterface : public virtual DataViewInterface
+{
+public:
+    AnalyzerViewInterface()
+        : signalTitleChanged([this] { signalTitleChangedConnected(); })
+        , signalContextMenuRequested([this] { signalContextMenuRequestedConnected(); })
+    {}
+
+    AnalyzerViewInterface(const AnalyzerViewInterface&) = delete;
+    AnalyzerViewInterface& operator=(const AnalyzerViewInterface&) = delete;
+    ~AnalyzerViewInterface() override = default;
+
+    /// The short name of the kind, as on the command line: "scatter", "table".
+    [[nodiscard]] virtual std::string kind() const = 0;
+
+    /// What the view shows, in a few words, UTF-8: "Drag over Speed".
+    [[nodiscard]] virtual std::string title() const = 0;
+
+    /// What can be set, in the order for a panel. The same objects at every call.
+    [[nodiscard]] virtual const std::vector<boost::shared_ptr<SettingInterface>>& settings()
+        const = 0;
+
+    /// What the mouse does in the view; empty for views without mouse modes.
+    [[nodiscard]] virtual boost::shared_ptr<corvane::PropertyAbstract<MouseMode>>
+    mouseModeProperty() const = 0;
+
+    /// Whether fitData() and the two resets do something.
+    [[nodiscard]] virtual bool hasAxes() const = 0;
+    virtual void fitData() = 0;
+    virtual void resetXAxis() = 0;
+    virtual void resetYAxis() = 0;
+
+    Signal<void(), AnalyzerViewInterface> signalTitleChanged;
+
+    /// The user asked for a context menu, at this place of the screen; the selection has been adjusted.
+    Signal<void(const QPoint&), AnalyzerViewInterface> signalContextMenuRequested;
+
+protected:
+    void emitTitleChanged() const { signalTitleChanged(); }
+
+    void emitContextMenuRequested(const QPoint& place) const { signalContextMenuRequested(place); }
+
+private:
+    virtual void signalTitleChangedConnected() const {}
+
+    virtual void signalContextMenuRequestedConnected() const {}
+};
+
+} // namespace analyzer

@@ -1,0 +1,11 @@
+# The table of cases.
+list(
+    APPEND
+    ANALYZER_VIEWS_SOURCES
+    CaseTableDelegate.cpp
+    CaseTableIndex.cpp
+    CaseTableModel.cpp
+    CaseTableOrder.cpp
+    CaseTableSelection.cpp
+    CaseTableWidget.cpp
+)

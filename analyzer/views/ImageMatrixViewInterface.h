@@ -1,0 +1,7 @@
+#pragma once
+
+#include <dataviews/common/views/DataViewInterface.h>
+
+/// The kind of view that is an image matrix.
+class ImageMatrixViewInterface : public virtual DataViewInterface
+{};

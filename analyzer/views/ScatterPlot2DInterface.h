@@ -1,0 +1,21 @@
+#pragma once
+
+#include <dataviews/common/views/DataViewInterface.h>
+#include <dataviews/common/views/PropertyAbstract.h>
+
+#include <dataviews/platform/data/WeakPtr.h>
+
+#include <boost/shared_ptr.hpp>
+
+class Variable;
+
+/// The kind of view that is an XY chart with a point for each case.
+class ScatterPlot2DInterface : public virtual DataViewInterface
+{
+public:
+    [[nodiscard]] virtual boost::shared_ptr<corvane::PropertyAbstract<WeakPtr<Variable>>>
+    xVariable() const = 0;
+    [[nodiscard]] virtual boost::shared_ptr<corvane::PropertyAbstract<WeakPtr<Variable>>>
+    yVariable() const = 0;
+    [[nodiscard]] virtual boost::shared_ptr<corvane::PropertyAbstract<bool>> showLegend() const = 0;
+};

@@ -1,0 +1,56 @@
+#include <analyzer/views/VariableSetting.h>
+
+#include <dataviews/platform/data/Project.h>
+
+#include <utility>
+
+namespace analyzer {
+
+VariableSetting::VariableSetting(
+    std::string name,
+    std::string label,
+    boost::shared_ptr<corvane::PropertyAbstract<WeakPtr<Variable>>> property,
+    boost::function<bool(const Variable&)> accepts,
+    std::string what)
+    : m_name(std::move(name))
+    , m_label(std::move(label))
+    , m_property(std::move(property))
+    , m_accepts(std::move(accepts))
+    , m_what(std::move(what))
+    , m_connection(
+          m_property->valueChanged.connect([this](const WeakPtr<Variable>&) { emitChanged(); }))
+{}
+
+std::vector<std::string> VariableSetting::choices() const
+{
+    std::vector<std::string> names;
+    for (const WeakPtr<Variable>& handle : Project::project().variables()) {
+        const boost::shared_ptr<Variable> variable = handle.lock();
+        if (variable && m_accepts(*variable)) {
+            names.push_back(variable->name());
+        }
+    }
+    return names;
+}
+
+std::string VariableSetting::text() const
+{
+    const boost::shared_ptr<Variable> variable = m_property->value().lock();
+    return variable ? variable->name() : std::string();
+}
+
+void VariableSetting::setText(const std::string& text)
+{
+    const WeakPtr<Variable> handle = Project::project().variable(text);
+    const boost::shared_ptr<Variable> variable = handle.lock();
+    if (!variable) {
+        throw ExceptionBase("The study has no variable \"" + text + "\".");
+    }
+    if (!m_accepts(*variable)) {
+        throw ExceptionBase(
+            "\"" + text + "\" is not among the " + m_what + ", which " + m_name + " takes.");
+    }
+    m_property->setValue(handle);
+}
+
+} // namespace analyzer

@@ -1,0 +1,82 @@
+#pragma once
+
+#include <dataviews/common/charts/ChartsExport.h>
+
+#include <vtkChartXY.h>
+#include <vtkSmartPointer.h>
+
+#include <utility>
+#include <vector>
+
+class vtkChartLegend;
+
+/// A chart that carries several legends and lays them out itself, and that selects what is clicked on.
+///
+/// New legends are stacked from the top-right corner leftwards. A legend that grows or shrinks keeps its top-right
+/// corner, none leaves the chart, and one that the user drags elsewhere stays there. While settings are being read
+/// (Serializer::isInMiddleOfDeserialization()) no legend is touched.
+///
+/// A click counts as a square of 10 × 10 pixels around it, except with the button that zooms. Keyboard modifiers are
+/// kept from VTK's own arithmetic on selections: the plots hold exactly what was picked when the selection event
+/// comes. The axes take no part in mouse actions. Used on the GUI thread.
+class DATAVIEWS_CHARTS_EXPORT ChartXY : public vtkChartXY
+{
+public:
+    vtkTypeMacro(ChartXY, vtkChartXY)
+
+        static ChartXY* New();
+
+    ChartXY(const ChartXY&) = delete;
+    ChartXY& operator=(const ChartXY&) = delete;
+
+    /// Adds \p legend behind the others; the chart paints it, places it if nobody else has by the first layout, and
+    /// keeps it for good. A legend without a chart gets this one.
+    void addLegend(const vtkSmartPointer<vtkChartLegend>& legend);
+
+    /// Whether legends keep their distance from the top-right corner when the chart changes its size, as in a window
+    /// that the user drags larger. Off at first: legends then keep their distance from the bottom-left corner and are
+    /// only kept inside.
+    void setLegendsFollowSize(bool follow) { m_legendsFollowSize = follow; }
+
+    void Update() override;
+    bool Paint(vtkContext2D* painter) override;
+    bool MouseButtonReleaseEvent(const vtkContextMouseEvent& event) override;
+
+    /// The second click of two quick ones is a click like any other.
+    bool MouseDoubleClickEvent(const vtkContextMouseEvent& event) override;
+
+protected:
+    ChartXY();
+    ~ChartXY() override;
+
+    /// Lays the legends out; VTK calls it at least twice a frame. The rectangle is not used.
+    void SetLegendPosition(const vtkRectf& rect) override;
+
+private:
+    struct LegendAndItsDimensions
+    {
+        vtkSmartPointer<vtkChartLegend> legend;
+        std::pair<float, float> dimensions = {
+            0.0F, 0.0F}; ///< at the last layout that saw the legend
+        bool positioned = false; ///< some layout has seen the legend visible
+        bool automaticallyPlaced = false; ///< it stands where the chart put it
+        float rightEdge = 0.0F; ///< where the chart put its right edge
+    };
+
+    void registerLegend(const vtkSmartPointer<vtkChartLegend>& legend);
+    void layOutLegend(LegendAndItsDimensions& record);
+    [[nodiscard]] float findNextAvaialableLegendRightEdge();
+    void anchorTopRightCornerWhenLegendIsResized(
+        vtkChartLegend& legend, const std::pair<float, float>& oldDimensions, vtkRectf& rect);
+    void ensureLegendIsWithinChartViewport(vtkChartLegend& legend, const vtkRectf& rect);
+    void detectIfLegendWasMoved(LegendAndItsDimensions& record);
+    void moveLegendsWithSize();
+    void settleTransforms(vtkContext2D* painter);
+    [[nodiscard]] bool hasVisiblePlot();
+    void clearSelectionsOfSkippedPlots();
+
+    std::vector<LegendAndItsDimensions> m_legends;
+    vtkContext2D* m_painter = nullptr; ///< of the last Paint()
+    bool m_legendsFollowSize = false;
+    std::pair<float, float> m_paintedSize = {0.0F, 0.0F}; ///< of the chart, at the last Paint()
+};

@@ -1,0 +1,3 @@
+#include <dataviews/common/views/DataViewVisitorInterface.h>
+
+DataViewVisitorInterface::~DataViewVisitorInterface() = default;

@@ -1,0 +1,3 @@
+#include <dataviews/platform/pipeline/FilterFactoryInterface.h>
+
+FilterFactoryInterface::~FilterFactoryInterface() = default;

@@ -1,0 +1,3 @@
+#include <dataviews/platform/selection/SuspendableInterface.h>
+
+SuspendableInterface::~SuspendableInterface() = default;

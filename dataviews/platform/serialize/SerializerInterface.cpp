@@ -1,0 +1,3 @@
+#include <dataviews/platform/serialize/SerializerInterface.h>
+
+SerializerInterface::~SerializerInterface() = default;

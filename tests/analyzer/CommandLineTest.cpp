@@ -1,0 +1,115 @@
+#include <analyzer/CommandLine.h>
+
+#include <gtest/gtest.h>
+
+using analyzer::CommandLine;
+using analyzer::UsageError;
+
+TEST(CommandLineTest, ReadsEverythingThatIsAskedFor)
+{
+    const CommandLine line = CommandLine::parse(
+        {"study.csv",
+         "--view",
+         "scatter",
+         "--view=table",
+         "--view",
+         "scatter",
+         "--set",
+         "scatter2.x=Drag = 1.5",
+         "--set=scatter.legend=off",
+         "--select",
+         "3,7,20-40",
+         "--size",
+         "1600x900",
+         "--screenshot",
+         "a.png"});
+
+    EXPECT_EQ(line.study, "study.csv");
+    EXPECT_EQ(line.views, (std::vector<std::string>{"scatter", "table", "scatter"}));
+    ASSERT_EQ(line.assignments.size(), 2U);
+    EXPECT_EQ(line.assignments[0].viewKind, "scatter");
+    EXPECT_EQ(line.assignments[0].viewNumber, 2U);
+    EXPECT_EQ(line.assignments[0].property, "x");
+    EXPECT_EQ(line.assignments[0].value, "Drag = 1.5");
+    EXPECT_EQ(line.assignments[1].viewNumber, 1U);
+    EXPECT_EQ(line.assignments[1].value, "off");
+    const std::vector<std::pair<unsigned long long, unsigned long long>> ranges{
+        {3, 3}, {7, 7}, {20, 40}};
+    EXPECT_EQ(line.selection, ranges);
+    EXPECT_EQ(line.size, QSize(1600, 900));
+    EXPECT_EQ(line.screenshot, "a.png");
+}
+
+TEST(CommandLineTest, NothingIsSelectedByAnEmptyList)
+{
+    const CommandLine line = CommandLine::parse({"study.csv", "--select", ""});
+
+    EXPECT_TRUE(line.hasSelection);
+    EXPECT_TRUE(line.selection.empty());
+}
+
+TEST(CommandLineTest, TakesAPathThatLooksLikeAnOptionAfterTwoDashes)
+{
+    EXPECT_EQ(CommandLine::parse({"--", "--info"}).study, "--info");
+}
+
+TEST(CommandLineTest, RefusesWrongUseInOneLine)
+{
+    const std::vector<std::vector<std::string>> wrong{
+        {"--colour"},
+        {"a.csv", "b.csv"},
+        {""},
+        {"--info"},
+        {"--view"},
+        {"--view", "piechart"},
+        {"a.csv", "--set", "scatter.x"},
+        {"a.csv", "--set", "x=Drag"},
+        {"a.csv", "--set", ".x=Drag"},
+        {"a.csv", "--set", "scatter.=Drag"},
+        {"a.csv", "--set", "scatter0.x=Drag"},
+        {"a.csv", "--set", "piechart.x=Drag"},
+        {"--set", "scatter.x=Drag"},
+        {"a.csv", "--select", "3,,4"},
+        {"a.csv", "--select", "7-3"},
+        {"a.csv", "--select", "-3"},
+        {"a.csv", "--select", "3-"},
+        {"a.csv", "--select", "x"},
+        {"a.csv", "--select", "99999999999999999999"},
+        {"--size", "800"},
+        {"--size", "0x600"},
+        {"--size", "800x600x2"},
+        {"--size", "800x-600"},
+        {"--size", "99999x10"},
+        {"--screenshot", ""},
+        {"--info=yes", "a.csv"},
+    };
+    for (const std::vector<std::string>& arguments : wrong) {
+        SCOPED_TRACE(testing::PrintToString(arguments));
+        try {
+            (void)CommandLine::parse(arguments);
+            ADD_FAILURE() << "accepted";
+        } catch (const UsageError& error) {
+            EXPECT_EQ(std::string(error.what()).find('\n'), std::string::npos) << error.what();
+            EXPECT_GT(std::string(error.what()).size(), 10U);
+        }
+    }
+}
+
+TEST(CommandLineTest, HelpNamesEveryKindAndProperty)
+{
+    const std::string help = CommandLine::helpText();
+
+    for (const char* word :
+         {"--info",
+          "--view",
+          "--set",
+          "--select",
+          "--size",
+          "--screenshot",
+          "scatter",
+          "table",
+          "mouse-mode",
+          "legend"}) {
+        EXPECT_NE(help.find(word), std::string::npos) << word;
+    }
+}

@@ -1,0 +1,204 @@
+#include <analyzer/MainWindow.h>
+#include <analyzer/panels/SettingsPanel.h>
+#include <analyzer/views/AnalyzerViewInterface.h>
+
+#include <dataviews/platform/data/Project.h>
+#include <dataviews/platform/selection/SelectionModelInterface.h>
+#include <dataviews/platform/undo/UndoStack.h>
+
+#include <QComboBox>
+#include <QDockWidget>
+#include <QFile>
+#include <QLabel>
+#include <QSignalSpy>
+#include <QTemporaryDir>
+#include <QTest>
+
+#include <gtest/gtest.h>
+
+namespace {
+
+using Cases = std::set<unsigned long long>;
+using analyzer::MainWindow;
+
+class MainWindowTest : public testing::Test
+{
+protected:
+    MainWindowTest() { m_window->setTellsErrorsInDialogs(false); }
+
+    ~MainWindowTest() override
+    {
+        m_window.reset();
+        Project nothing;
+        Project::project().replaceStudy(nothing);
+    }
+
+    QString write(const QString& name, const QByteArray& content) const
+    {
+        const QString path = m_folder.filePath(name);
+        QFile file(path);
+        EXPECT_TRUE(file.open(QIODevice::WriteOnly));
+        file.write(content);
+        return path;
+    }
+
+    QString writeStudy() const
+    {
+        QByteArray content = "Design,Span,Drag,Lift,Material\n";
+        for (int i = 0; i < 40; ++i) {
+            content += "d" + QByteArray::number(i) + ',' + QByteArray::number(i % 5) + ','
+                + QByteArray::number(i * 0.37) + ',' + QByteArray::number(1.0 / (i + 1)) + ",steel"
+                + QByteArray::number(i % 2) + '\n';
+        }
+        return write(QStringLiteral("wings.csv"), content);
+    }
+
+    /// False if the study was refused.
+    bool open(const QString& path)
+    {
+        QSignalSpy opened(m_window.get(), &MainWindow::studyOpened);
+        QSignalSpy failed(m_window.get(), &MainWindow::openingFailed);
+        m_window->openStudy(path);
+        for (int i = 0; i < 500 && opened.isEmpty() && failed.isEmpty(); ++i) {
+            QTest::qWait(10);
+        }
+        EXPECT_EQ(opened.size() + failed.size(), 1);
+        return !opened.isEmpty();
+    }
+
+    [[nodiscard]] QString status() const
+    {
+        return m_window->findChild<QLabel*>(QStringLiteral("SelectionStatus"))->text();
+    }
+
+    [[nodiscard]] std::vector<std::string> kinds() const
+    {
+        std::vector<std::string> result;
+        for (const auto& view : m_window->views()) {
+            result.push_back(view->kind());
+        }
+        return result;
+    }
+
+    QTemporaryDir m_folder;
+    std::unique_ptr<MainWindow> m_window = std::make_unique<MainWindow>();
+};
+
+} // namespace
+
+TEST_F(MainWindowTest, OpensAStudyWithAChartBesideTheTable)
+{
+    EXPECT_EQ(status(), QStringLiteral("No study is open"));
+
+    ASSERT_TRUE(open(writeStudy()));
+
+    EXPECT_EQ(kinds(), (std::vector<std::string>{"scatter", "table"}));
+    EXPECT_EQ(status(), QStringLiteral("0 of 40 cases selected"));
+    EXPECT_TRUE(m_window->windowTitle().contains(QStringLiteral("wings")));
+    EXPECT_FALSE(UndoStack::history().canUndo());
+}
+
+TEST_F(MainWindowTest, SelectionCommandsReachEveryView)
+{
+    ASSERT_TRUE(open(writeStudy()));
+
+    m_window->selectAll();
+    EXPECT_EQ(status(), QStringLiteral("40 of 40 cases selected"));
+    m_window->selection().setSelection({3, 5});
+    m_window->invertSelection();
+    EXPECT_EQ(status(), QStringLiteral("38 of 40 cases selected"));
+    EXPECT_EQ(m_window->selection().getSelections().count(3), 0U);
+    m_window->clearSelection();
+    EXPECT_EQ(status(), QStringLiteral("0 of 40 cases selected"));
+}
+
+TEST_F(MainWindowTest, RefusedStudyLeavesEverythingAsItWas)
+{
+    ASSERT_TRUE(open(writeStudy()));
+    m_window->selection().setSelection({2});
+    const auto viewsBefore = m_window->views();
+    QSignalSpy told(m_window.get(), &MainWindow::errorTold);
+
+    EXPECT_FALSE(open(m_folder.filePath(QStringLiteral("nowhere.csv"))));
+    EXPECT_FALSE(open(write(QStringLiteral("empty.csv"), "")));
+
+    ASSERT_EQ(told.size(), 2);
+    EXPECT_TRUE(told[0][0].toString().contains(QStringLiteral("nowhere.csv")));
+    EXPECT_EQ(m_window->views(), viewsBefore);
+    EXPECT_EQ(status(), QStringLiteral("1 of 40 cases selected"));
+}
+
+TEST_F(MainWindowTest, AnotherStudyTakesThePlaceOfTheOpenOne)
+{
+    ASSERT_TRUE(open(writeStudy()));
+    m_window->assign({"scatter", 1, "x", "Lift"});
+    m_window->selection().setSelection({2});
+    ASSERT_TRUE(UndoStack::history().canUndo());
+
+    ASSERT_TRUE(open(write(QStringLiteral("two.csv"), "p,q\n1,2\n3,4\n")));
+
+    EXPECT_EQ(status(), QStringLiteral("0 of 2 cases selected"));
+    EXPECT_EQ(kinds(), (std::vector<std::string>{"scatter", "table"}));
+    EXPECT_FALSE(UndoStack::history().canUndo());
+}
+
+TEST_F(MainWindowTest, PanelSetsTheActiveViewUndoablyAndFollowsUndo)
+{
+    ASSERT_TRUE(open(writeStudy()));
+    auto* panel = m_window->findChild<analyzer::SettingsPanel*>();
+    auto* x = panel->findChild<QComboBox*>(QStringLiteral("x"));
+    ASSERT_NE(x, nullptr);
+    const QString before = x->currentText();
+    EXPECT_EQ(x->findText(QStringLiteral("Material")), -1) << "texts cannot be drawn along an axis";
+    const int lift = x->findText(QStringLiteral("Lift"));
+    ASSERT_GE(lift, 0);
+
+    x->setFocus();
+    x->setCurrentIndex(lift);
+    Q_EMIT x->activated(lift);
+    EXPECT_EQ(
+        m_window->views().front()->title().substr(m_window->views().front()->title().size() - 4),
+        "Lift");
+    EXPECT_EQ(UndoStack::history().undoText(), QStringLiteral("Change X Variable"));
+
+    UndoStack::history().undo();
+    EXPECT_EQ(x->currentText(), before);
+}
+
+TEST_F(MainWindowTest, AssignmentsFindViewsByKindAndNumber)
+{
+    ASSERT_TRUE(open(writeStudy()));
+    const auto second = m_window->addView("scatter");
+
+    m_window->assign({"scatter", 2, "y", "Drag"});
+
+    EXPECT_EQ(second->title().substr(0, 4), "Drag");
+    EXPECT_THROW(m_window->assign({"scatter", 3, "y", "Drag"}), analyzer::UsageError);
+    EXPECT_THROW(m_window->assign({"scatter", 1, "colour", "Drag"}), analyzer::UsageError);
+    EXPECT_THROW(m_window->assign({"table", 1, "x", "Drag"}), analyzer::UsageError);
+    EXPECT_THROW(m_window->assign({"scatter", 1, "y", "Material"}), ExceptionBase);
+    EXPECT_THROW(m_window->assign({"scatter", 1, "legend", "maybe"}), ExceptionBase);
+}
+
+TEST_F(MainWindowTest, ClosedViewGoesAndTheOthersStayLinked)
+{
+    ASSERT_TRUE(open(writeStudy()));
+    boost::weak_ptr<analyzer::AnalyzerViewInterface> chart = m_window->views().front();
+    m_window->assign({"scatter", 1, "x", "Lift"});
+    m_window->show();
+
+    for (QDockWidget* dock : m_window->findChildren<QDockWidget*>()) {
+        if (dock->widget() == &chart.lock()->widget()) {
+            dock->close();
+            break;
+        }
+    }
+    QTest::qWait(10);
+
+    EXPECT_TRUE(chart.expired());
+    EXPECT_EQ(kinds(), (std::vector<std::string>{"table"}));
+    EXPECT_EQ(m_window->activeView(), m_window->views().front());
+    m_window->selectAll();
+    UndoStack::history().undo(); // of a view that is gone: does nothing
+    EXPECT_EQ(status(), QStringLiteral("40 of 40 cases selected"));
+}

@@ -1,0 +1,40 @@
+#include <analyzer/views/VariableSetting.h>
+
+#include <dataviews/common/views/Property.h>
+
+#include <boost/make_shared.hpp>
+
+#include <gtest/gtest.h>
+
+#include <tests/support/SmallStudy.h>
+
+TEST(VariableSettingTest, OffersAndTakesTheAcceptedVariablesOfTheOpenStudy)
+{
+    SmallStudy study(2);
+    study.add("a", {1.0, 2.0})
+        .add("t", std::vector<std::string>{"x", "y"})
+        .add("b", {3.0, 4.0})
+        .open();
+    const auto property =
+        boost::make_shared<corvane::Property<WeakPtr<Variable>>>(WeakPtr<Variable>());
+    analyzer::VariableSetting setting(
+        "x",
+        "X axis",
+        property,
+        [](const Variable& v) { return v.isNumeric(); },
+        "numeric variables");
+    int changes = 0;
+    setting.signalChanged.connect([&changes] { ++changes; });
+
+    EXPECT_EQ(setting.choices(), (std::vector<std::string>{"a", "b"}));
+    EXPECT_EQ(setting.text(), "");
+    setting.setText("b");
+
+    EXPECT_EQ(setting.text(), "b");
+    EXPECT_EQ(property->value(), Project::project().variable("b"));
+    EXPECT_EQ(changes, 1);
+    EXPECT_THROW(setting.setText("t"), ExceptionBase);
+    EXPECT_THROW(setting.setText("nowhere"), ExceptionBase);
+    EXPECT_EQ(setting.text(), "b");
+    EXPECT_EQ(changes, 1);
+}
