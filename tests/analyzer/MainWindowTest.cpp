@@ -1,6 +1,10 @@
 #include <analyzer/MainWindow.h>
 #include <analyzer/panels/SettingsPanel.h>
 #include <analyzer/views/AnalyzerViewInterface.h>
+#include <analyzer/views/CaseTableSelection.h>
+#include <analyzer/views/CaseTableView.h>
+#include <analyzer/views/CaseTableWidget.h>
+#include <analyzer/views/ScatterPlotView.h>
 
 #include <dataviews/platform/data/Project.h>
 #include <dataviews/platform/selection/SelectionModelInterface.h>
@@ -10,9 +14,13 @@
 #include <QDockWidget>
 #include <QFile>
 #include <QLabel>
+#include <QMouseEvent>
 #include <QSignalSpy>
 #include <QTemporaryDir>
 #include <QTest>
+
+#include <vtkIdTypeArray.h>
+#include <vtkPlotPoints.h>
 
 #include <gtest/gtest.h>
 
@@ -110,6 +118,49 @@ TEST_F(MainWindowTest, SelectionCommandsReachEveryView)
     EXPECT_EQ(m_window->selection().getSelections().count(3), 0U);
     m_window->clearSelection();
     EXPECT_EQ(status(), QStringLiteral("0 of 40 cases selected"));
+}
+
+TEST_F(MainWindowTest, PicksWithTheMouseShowInTheOtherView)
+{
+    ASSERT_TRUE(open(writeStudy()));
+    m_window->show();
+    ASSERT_TRUE(QTest::qWaitForWindowExposed(m_window.get()));
+    QTest::qWait(50); // docks take their places
+    const auto chart = boost::dynamic_pointer_cast<analyzer::ScatterPlotView>(m_window->views()[0]);
+    const auto table = boost::dynamic_pointer_cast<analyzer::CaseTableView>(m_window->views()[1]);
+    ASSERT_TRUE(chart && table);
+    m_window->assign({"scatter", 1, "x", "Drag"});
+    m_window->assign({"scatter", 1, "y", "Drag"});
+    chart->render();
+
+    // The twelfth of forty points on a diagonal; a reach of five pixels holds that one alone.
+    QWidget* widget = &chart->widget();
+    QMouseEvent move(
+        QEvent::MouseMove, chart->placeOfRow(11), Qt::NoButton, Qt::NoButton, Qt::NoModifier);
+    QApplication::sendEvent(widget, &move);
+    QTest::mouseClick(widget, Qt::LeftButton, Qt::NoModifier, chart->placeOfRow(11));
+    EXPECT_EQ(m_window->selection().getSelections(), Cases({12}));
+    EXPECT_TRUE(table->selection().contains(11));
+    EXPECT_EQ(m_window->activeView(), chart);
+    EXPECT_EQ(status(), QStringLiteral("1 of 40 cases selected"));
+
+    const auto clickRow = [&table](int row, Qt::KeyboardModifiers keys) {
+        const QModelIndex index = table->table().model()->index(row, 0);
+        table->table().scrollTo(index);
+        QTest::mouseClick(
+            table->table().viewport(),
+            Qt::LeftButton,
+            keys,
+            table->table().visualRect(index).center());
+    };
+    clickRow(4, Qt::ControlModifier);
+    clickRow(6, Qt::ControlModifier);
+    EXPECT_EQ(m_window->selection().getSelections(), Cases({5, 7, 12}));
+    vtkIdTypeArray* drawn = chart->plot().GetSelection();
+    ASSERT_EQ(drawn->GetNumberOfValues(), 3);
+    EXPECT_EQ(drawn->GetValue(0), 4);
+    EXPECT_EQ(drawn->GetValue(1), 6);
+    EXPECT_EQ(drawn->GetValue(2), 11);
 }
 
 TEST_F(MainWindowTest, RefusedStudyLeavesEverythingAsItWas)

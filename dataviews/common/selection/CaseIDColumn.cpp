@@ -131,7 +131,7 @@ void markRowsInBitmap(
     }
 }
 
-/// The same for one wanted key: most blocks of rows do not hold it, which the processor finds out for several rows
+/// markRows() for one wanted key: most blocks of rows do not hold it, which the processor finds out for several rows
 /// at once.
 template <class Reader>
 void markRowsWithKey(
