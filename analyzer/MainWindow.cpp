@@ -133,7 +133,7 @@ bool MainWindow::isOpening() const
 
 boost::shared_ptr<AnalyzerViewInterface> MainWindow::addView(const std::string& kind)
 {
-    const boost::shared_ptr<AnalyzerViewInterface> view = makeView(kind, *m_pipeline, m_selection);
+    boost::shared_ptr<AnalyzerViewInterface> view = makeView(kind, *m_pipeline, m_selection);
     int number = 1;
     for (const OpenView& open : m_views) {
         number = open.view->kind() == kind ? std::max(number, open.number + 1) : number;

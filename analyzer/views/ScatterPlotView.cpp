@@ -463,8 +463,8 @@ void ScatterPlotView::applyLegend()
 void ScatterPlotView::applyAppearance()
 {
     const QPalette palette = m_widget->palette();
-    const QColor background = palette.color(QPalette::Base);
-    const QColor text = palette.color(QPalette::Text);
+    const QColor& background = palette.color(QPalette::Base);
+    const QColor& text = palette.color(QPalette::Text);
     const QColor grid = mix(background, text, 0.12);
     const bool isDark = background.lightness() < text.lightness();
     const auto ratio = static_cast<float>(m_widget->devicePixelRatioF());

@@ -7,6 +7,22 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#ifdef __SANITIZE_ADDRESS__
+    #include <sanitizer/lsan_interface.h>
+#endif
+
+namespace {
+
+/// Looks for leaks while the OpenGL driver is still loaded: later its leaks have no name to be left out by.
+void checkLeaksNow()
+{
+#ifdef __SANITIZE_ADDRESS__
+    __lsan_do_leak_check();
+#endif
+}
+
+} // namespace
+
 /// Test programs with widgets: an application object, and settings of their own that vanish afterwards.
 int main(int argc, char** argv)
 {
@@ -22,5 +38,7 @@ int main(int argc, char** argv)
     const QTemporaryDir settings;
     QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, settings.path());
     const QApplication application(argc, argv);
-    return RUN_ALL_TESTS();
+    const int result = RUN_ALL_TESTS();
+    checkLeaksNow();
+    return result;
 }

@@ -25,6 +25,7 @@ public:
     DataViewAbstract(DataViewAbstract& other);
 
     /// As the copy constructor.
+    // NOLINTNEXTLINE(misc-unconventional-assign-operator): it takes from the other view
     DataViewAbstract& operator=(DataViewAbstract& other);
 
     ~DataViewAbstract() override;

@@ -119,6 +119,7 @@ inline bool operator>=(const Variant& left, const Variant& right)
 }
 
 /// For Boost's unordered containers.
+// NOLINTNEXTLINE(readability-identifier-naming): the name that Boost looks for
 inline std::size_t hash_value(const Variant& value)
 {
     return value.hash();

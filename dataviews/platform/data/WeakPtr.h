@@ -52,6 +52,7 @@ public:
     }
 
     /// For Boost's unordered containers.
+    // NOLINTNEXTLINE(readability-identifier-naming): the name that Boost looks for
     friend std::size_t hash_value(const WeakPtr& handle)
     {
         return std::hash<const void*>()(handle.m_address);

@@ -27,6 +27,9 @@ public:
     /// Without filters. \p project outlives the manager and is usually Project::project().
     explicit DataPipelineManager(Project& project);
 
+    DataPipelineManager(const DataPipelineManager&) = delete;
+    DataPipelineManager& operator=(const DataPipelineManager&) = delete;
+
     /// Whoever still holds the output keeps its last table.
     ~DataPipelineManager() override;
 
