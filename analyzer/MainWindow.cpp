@@ -80,10 +80,10 @@ MainWindow::MainWindow()
         }));
     m_connections.add(m_pipeline->signalPipelineChanged.connect([this] { updateStatus(); }));
     connect(m_loader, &StudyLoader::finished, this, &MainWindow::takeStudy);
-    connect(m_loader, &StudyLoader::cancelled, this, [this] { delete m_progress.data(); });
+    connect(m_loader, &StudyLoader::cancelled, this, &MainWindow::closeProgress);
     connect(
         m_loader, &StudyLoader::failed, this, [this](const QString& path, const QString& message) {
-            delete m_progress.data();
+            closeProgress();
             tellError(message);
             Q_EMIT openingFailed(path, message);
         });
@@ -113,7 +113,7 @@ MainWindow::~MainWindow()
 void MainWindow::openStudy(const QString& path)
 {
     m_loader->start(path);
-    delete m_progress.data();
+    closeProgress();
     m_progress = new QProgressDialog(
         tr("Reading %1…").arg(QFileInfo(path).fileName()), tr("Cancel"), 0, progressSteps, this);
     m_progress->setWindowTitle(tr("Open Study"));
@@ -424,9 +424,19 @@ void MainWindow::buildPanels()
     statusBar()->addPermanentWidget(m_status);
 }
 
+void MainWindow::closeProgress()
+{
+    if (m_progress) {
+        // Not at once: the dialog handles events in the middle of showing a new value, and this may be one of them.
+        m_progress->hide();
+        m_progress->deleteLater();
+        m_progress = nullptr;
+    }
+}
+
 void MainWindow::takeStudy(const QString& path)
 {
-    delete m_progress.data();
+    closeProgress();
     ReadStudy study = m_loader->takeStudy();
 
     // The views of the former study go before it does, and with them everything that could be undone.

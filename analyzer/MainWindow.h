@@ -103,6 +103,7 @@ private:
 
     void buildMenus();
     void buildPanels();
+    void closeProgress();
     void takeStudy(const QString& path);
     void closeViews();
     void closeView(QDockWidget* dock);

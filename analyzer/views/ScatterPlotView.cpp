@@ -16,6 +16,7 @@
 #include <dataviews/platform/pipeline/DataPipelineManagerInterface.h>
 #include <dataviews/platform/serialize/Serializer.h>
 #include <dataviews/platform/undo/UndoStack.h>
+#include <dataviews/platform/vtk/vtkCvCommandProxy.h>
 
 #include <QContextMenuEvent>
 #include <QMouseEvent>
@@ -25,6 +26,7 @@
 #include <vtkAxis.h>
 #include <vtkBrush.h>
 #include <vtkChartLegend.h>
+#include <vtkCommand.h>
 #include <vtkContextScene.h>
 #include <vtkContextView.h>
 #include <vtkDataArray.h>
@@ -150,6 +152,9 @@ ScatterPlotView::ScatterPlotView(
 
 ScatterPlotView::~ScatterPlotView()
 {
+    for (const int index : {vtkAxis::BOTTOM, vtkAxis::LEFT}) {
+        m_chart->GetAxis(index)->RemoveObserver(m_axisObserver);
+    }
     m_connections.clear();
     m_synchronizer.reset();
     // The widget may have gone with its parent.
@@ -335,6 +340,11 @@ void ScatterPlotView::buildChart()
     m_chart->GetAxis(vtkAxis::BOTTOM)->SetTitle("");
     m_chart->GetAxis(vtkAxis::LEFT)->SetTitle("");
 
+    m_axisObserver = vtkCvCommandProxy::New([this] { axisModified(); });
+    for (const int index : {vtkAxis::BOTTOM, vtkAxis::LEFT}) {
+        m_chart->GetAxis(index)->AddObserver(vtkCommand::ModifiedEvent, m_axisObserver, 0.0F);
+    }
+
     m_plot = vtkPlotPoints::SafeDownCast(m_chart->AddPlot(vtkChart::POINTS));
     m_plot->SetMarkerStyle(vtkPlotPoints::CIRCLE);
     m_plot->SetVisible(false);
@@ -496,6 +506,21 @@ void ScatterPlotView::applyAppearance()
     m_plot->SetMarkerSize(pointSize * ratio);
     m_plot->GetSelectionPen()->SetColor(selected[0], selected[1], selected[2], 255);
     markForPainting();
+}
+
+void ScatterPlotView::axisModified()
+{
+    std::array<double, 4> ranges = {};
+    m_chart->GetAxis(vtkAxis::BOTTOM)->GetRange(ranges.data());
+    m_chart->GetAxis(vtkAxis::LEFT)->GetRange(ranges.data() + 2);
+    if (ranges == m_axisRanges) {
+        return;
+    }
+    m_axisRanges = ranges;
+    // VTK does not paint again when a program sets a range; ranges that change while it paints are in the picture.
+    if (m_widget && m_widget->renderWindow()->CheckInRenderStatus() == 0) {
+        markForPainting();
+    }
 }
 
 void ScatterPlotView::markForPainting()

@@ -18,6 +18,7 @@
 #include <boost/enable_shared_from_this.hpp>
 #include <boost/shared_ptr.hpp>
 
+#include <array>
 #include <memory>
 #include <string>
 #include <vector>
@@ -28,6 +29,7 @@ class DataView2DSelectionSynchronizer;
 class SpatialVariableProperty2D;
 class VTKChartsMouseModeProperty;
 class vtkContextView;
+class vtkCvCommandProxy;
 class vtkPlotPoints;
 
 namespace analyzer {
@@ -101,6 +103,7 @@ private:
     void variableChanged();
     void applyLegend();
     void applyAppearance();
+    void axisModified();
     void markForPainting();
     [[nodiscard]] std::string variableName(const WeakPtr<Variable>& variable) const;
 
@@ -117,6 +120,8 @@ private:
     boost::shared_ptr<VTKChartsMouseModeProperty> m_mouseMode;
     std::vector<boost::shared_ptr<SettingInterface>> m_settings;
     std::unique_ptr<DataView2DSelectionSynchronizer> m_synchronizer;
+    vtkSmartPointer<vtkCvCommandProxy> m_axisObserver;
+    std::array<double, 4> m_axisRanges = {}; ///< as last seen: bottom, left
     SignalConnectionCollection m_connections;
     QPoint m_mousePlace; ///< of the last press in the widget, in its coordinates
 };
