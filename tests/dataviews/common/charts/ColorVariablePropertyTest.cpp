@@ -1,5 +1,6 @@
 #include <dataviews/common/charts/ColorVariableProperty.h>
 
+#include <vtkLookupTable.h>
 #include <vtkPlotPoints.h>
 #include <vtkStringArray.h>
 
@@ -36,6 +37,12 @@ protected:
         m_plot->SetInputData(m_table, 0, 1);
         m_plot->SetColor(1.0, 0.0, 0.0);
         m_plot->SetMarkerSize(20.0F);
+        // Greens alone: the default colors end in a red like the plain one.
+        vtkNew<vtkLookupTable> greens;
+        constexpr double greenHue = 1.0 / 3.0;
+        greens->SetHueRange(greenHue, greenHue);
+        greens->Build();
+        m_plot->SetLookupTable(greens);
         m_chart->AddPlot(m_plot);
     }
 
