@@ -422,12 +422,15 @@ void ScatterPlotView::chooseFirstVariables()
     if (y.isNull()) {
         y = best(Variable::Input, x);
     }
-    if (x.isNull() && !numeric.empty()) {
-        x = numeric.front();
+    // Else an identifier, and in the end a variable over itself.
+    if (x.isNull()) {
+        x = best(Variable::Identifier, y);
     }
-    if (y.isNull() && !numeric.empty()) {
-        y = numeric.back();
+    if (y.isNull()) {
+        y = best(Variable::Identifier, x);
     }
+    x = x.isNull() ? y : x;
+    y = y.isNull() ? x : y;
     const UndoStack::SuspendUndoRecording noRecording;
     m_xVariable->setValue(x);
     m_yVariable->setValue(y);
@@ -447,6 +450,9 @@ void ScatterPlotView::takeTable()
     };
     const bool isDrawable = hasColumn(m_xVariable->value()) && hasColumn(m_yVariable->value());
     m_plot->SetVisible(isDrawable);
+    m_chart->SetTitle(
+        isDrawable ? std::string()
+                   : tr("Nothing to draw: choose numeric variables for X and Y").toStdString());
     // The legend's entry.
     m_plot->SetLabel(isDrawable ? variableName(m_yVariable->value()) : std::string());
     m_synchronizer->setPlotsToSynchronize(
@@ -490,6 +496,8 @@ void ScatterPlotView::applyAppearance()
         setColor(*axis.GetPen(), mix(background, text, 0.6));
         setColor(*axis.GetGridPen(), grid);
     }
+    setColor(*m_chart->GetTitleProperties(), text);
+    m_chart->GetTitleProperties()->SetFontSize(axisTitleSize);
     vtkChartLegend& legend = *m_chart->GetLegend();
     setColor(*legend.GetLabelProperties(), text);
     legend.GetLabelProperties()->SetFontSize(tickLabelSize);
