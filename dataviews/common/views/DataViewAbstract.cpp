@@ -30,6 +30,7 @@ DataViewAbstract::DataViewAbstract(DataViewAbstract& other)
     , m_mouseMode(other.m_mouseMode)
 {}
 
+// NOLINTNEXTLINE(misc-unconventional-assign-operator,bugprone-unhandled-self-assignment): see the header
 DataViewAbstract& DataViewAbstract::operator=(DataViewAbstract& other)
 {
     DataViewInterface::operator=(other);

@@ -3,11 +3,12 @@
 DataViewInterface::DataViewInterface() = default;
 
 DataViewInterface::DataViewInterface(const DataViewInterface& /*other*/)
+    // NOLINTNEXTLINE(readability-redundant-member-init): a copy constructor must name its base
     : SuspendableInterface()
 {}
 
 DataViewInterface& DataViewInterface::operator=(
-    const DataViewInterface& /*other*/) // NOLINT(cert-oop54-cpp)
+    const DataViewInterface& /*other*/) // NOLINT(bugprone-unhandled-self-assignment)
 {
     return *this;
 }

@@ -29,7 +29,7 @@ WeakPtr<Variable> AxisVariableProvider::nextVariable(Variable::Nature nature)
         if (place == m_remaining.end()) {
             return WeakPtr<Variable>();
         }
-        const WeakPtr<Variable> taken = *place;
+        WeakPtr<Variable> taken = *place;
         m_remaining.erase(place);
         return taken;
     };

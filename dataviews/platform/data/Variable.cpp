@@ -29,8 +29,8 @@ public:
     /// False once there are too many.
     bool add(const Value& value)
     {
-        const auto end = m_values.begin() + static_cast<std::ptrdiff_t>(m_count);
-        const auto place = std::lower_bound(m_values.begin(), end, value);
+        Value* const end = m_values.data() + m_count;
+        Value* const place = std::lower_bound(m_values.data(), end, value);
         if (place != end && *place == value) {
             return true;
         }

@@ -32,7 +32,7 @@ bool isBound(const FilterInterface& filter, const Project& project)
 struct DataPipelineManager::Entry
 {
     boost::shared_ptr<FilterInterface> filter;
-    bool inForce; ///< as of the last notification of the filter
+    bool inForce = false; ///< as of the last notification of the filter
     SignalConnectionCollection connections;
 };
 

@@ -9,6 +9,8 @@
 class DATAVIEWS_PLATFORM_PIPELINE_EXPORT FilterAbstract : public FilterInterface
 {
 public:
+    FilterAbstract(const FilterAbstract&) = delete;
+    FilterAbstract& operator=(const FilterAbstract&) = delete;
     ~FilterAbstract() override;
 
     [[nodiscard]] WeakPtr<Variable> variable() const override;

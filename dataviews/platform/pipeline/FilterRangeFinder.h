@@ -13,6 +13,8 @@ class DATAVIEWS_PLATFORM_PIPELINE_EXPORT FilterRangeFinder
 {
 public:
     explicit FilterRangeFinder(boost::shared_ptr<FilterInterface> filter);
+    FilterRangeFinder(const FilterRangeFinder&) = delete;
+    FilterRangeFinder& operator=(const FilterRangeFinder&) = delete;
     ~FilterRangeFinder();
 
     /// The lower and the upper limit of the filter as they are now, inverted or not; {NaN, NaN} for an

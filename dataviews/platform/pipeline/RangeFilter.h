@@ -17,6 +17,8 @@ public:
         const WeakPtr<Variable>& variable,
         const ValueRange_s<double>& range,
         bool inverted = false);
+    RangeFilter(const RangeFilter&) = delete;
+    RangeFilter& operator=(const RangeFilter&) = delete;
     ~RangeFilter() override;
 
     [[nodiscard]] ValueRange_s<double> range() const;

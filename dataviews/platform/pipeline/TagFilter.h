@@ -9,6 +9,8 @@ class DATAVIEWS_PLATFORM_PIPELINE_EXPORT TagFilter : public FilterAbstract
 public:
     /// \throws ExceptionBase if \p tag is empty.
     explicit TagFilter(std::string tag, bool inverted = false);
+    TagFilter(const TagFilter&) = delete;
+    TagFilter& operator=(const TagFilter&) = delete;
     ~TagFilter() override;
 
     void apply(const Project& project, RowBitmap& rows) const override;

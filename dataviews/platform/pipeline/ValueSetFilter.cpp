@@ -65,7 +65,8 @@ void keepTexts(
     for (std::size_t word = 0; word < words.size(); ++word) {
         for (std::uint64_t bits = words[word]; bits != 0; bits &= bits - 1) {
             const auto bit = static_cast<std::size_t>(__builtin_ctzll(bits));
-            const std::string& text = values.GetValue(static_cast<vtkIdType>(word * 64 + bit));
+            const std::size_t row = word * 64 + bit;
+            const std::string& text = values.GetValue(static_cast<vtkIdType>(row));
             const bool inside = text.empty() ? missing : texts.find(text) != texts.end();
             words[word] &= ~(static_cast<std::uint64_t>(inside == inverted) << bit);
         }

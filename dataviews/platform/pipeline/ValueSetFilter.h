@@ -19,6 +19,8 @@ public:
     /// \throws ExceptionBase if \p variable is gone.
     ValueSetFilter(
         const WeakPtr<Variable>& variable, std::set<Variant> values, bool inverted = false);
+    ValueSetFilter(const ValueSetFilter&) = delete;
+    ValueSetFilter& operator=(const ValueSetFilter&) = delete;
     ~ValueSetFilter() override;
 
     [[nodiscard]] const std::set<Variant>& values() const;
