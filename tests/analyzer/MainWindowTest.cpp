@@ -15,6 +15,8 @@
 #include <QFile>
 #include <QLabel>
 #include <QMouseEvent>
+#include <QProgressDialog>
+#include <QPushButton>
 #include <QSignalSpy>
 #include <QTemporaryDir>
 #include <QTest>
@@ -176,6 +178,36 @@ TEST_F(MainWindowTest, RefusedStudyLeavesEverythingAsItWas)
     ASSERT_EQ(told.size(), 2);
     EXPECT_TRUE(told[0][0].toString().contains(QStringLiteral("nowhere.csv")));
     EXPECT_EQ(m_window->views(), viewsBefore);
+    EXPECT_EQ(status(), QStringLiteral("1 of 40 cases selected"));
+}
+
+TEST_F(MainWindowTest, CancelledReadingLeavesEverythingAsItWas)
+{
+    ASSERT_TRUE(open(writeStudy()));
+    m_window->selection().setSelection({2});
+    QByteArray rows("x,y\n");
+    constexpr int rowCount = 2000000; // far more than are read before the click
+    for (int row = 0; row < rowCount; ++row) {
+        rows += "1.25,3.5\n";
+    }
+    QSignalSpy told(m_window.get(), &MainWindow::errorTold);
+    QSignalSpy opened(m_window.get(), &MainWindow::studyOpened);
+
+    m_window->openStudy(write(QStringLiteral("large.csv"), rows));
+    auto* progress = m_window->findChild<QProgressDialog*>();
+    ASSERT_NE(progress, nullptr);
+    auto* cancel = progress->findChild<QPushButton*>();
+    ASSERT_NE(cancel, nullptr);
+    cancel->click();
+    for (int i = 0; i < 2000 && m_window->isOpening(); ++i) {
+        QTest::qWait(5);
+    }
+    QTest::qWait(10);
+
+    EXPECT_FALSE(m_window->isOpening());
+    EXPECT_TRUE(opened.isEmpty());
+    EXPECT_TRUE(told.isEmpty()) << "whoever cancels knows";
+    EXPECT_EQ(m_window->findChild<QProgressDialog*>(), nullptr);
     EXPECT_EQ(status(), QStringLiteral("1 of 40 cases selected"));
 }
 
