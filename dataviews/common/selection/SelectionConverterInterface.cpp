@@ -1,0 +1,3 @@
+#include <dataviews/common/selection/SelectionConverterInterface.h>
+
+SelectionConverterInterface::~SelectionConverterInterface() = default;

@@ -1,0 +1,122 @@
+#include <dataviews/common/selection/SelectionConverterInterface.h>
+#include <dataviews/common/selection/TableViewSelectionSynchronizer.h>
+
+#include <dataviews/platform/selection/SelectionModelInterface.h>
+
+#include <QItemSelectionModel>
+#include <QPalette>
+#include <QScopeGuard>
+#include <QTableView>
+
+#include <utility>
+
+namespace {
+
+void keepHighlightWithoutFocus(QTableView& tableView)
+{
+    QPalette palette = tableView.palette();
+    palette.setColor(
+        QPalette::Inactive,
+        QPalette::Highlight,
+        palette.color(QPalette::Active, QPalette::Highlight));
+    tableView.setPalette(palette);
+}
+
+} // namespace
+
+TableViewSelectionSynchronizer::TableViewSelectionSynchronizer(
+    boost::shared_ptr<SelectionModelInterface> master,
+    QTableView& tableView,
+    boost::shared_ptr<SelectionConverterInterface> converter)
+    : m_master(std::move(master))
+    , m_tableView(tableView)
+    , m_converter(std::move(converter))
+{
+    Q_ASSERT_X(
+        m_tableView.selectionModel() != nullptr,
+        "TableViewSelectionSynchronizer",
+        "The table view has no model yet.");
+    keepHighlightWithoutFocus(m_tableView);
+    // Before anything is listened to, so that the first selection does not travel back to the master.
+    TableViewSelectionSynchronizer::setLocalSelectionsToMaster(m_master->getSelections());
+    beginLocalSelectionMonitoring();
+    TableViewSelectionSynchronizer::beginMasterSelectionMonitoring();
+}
+
+TableViewSelectionSynchronizer::~TableViewSelectionSynchronizer() = default;
+
+void TableViewSelectionSynchronizer::suspend()
+{
+    m_connections.block();
+}
+
+void TableViewSelectionSynchronizer::resume()
+{
+    m_connections.unblock();
+    updateLocalSelections();
+}
+
+void TableViewSelectionSynchronizer::showMasterSelection()
+{
+    onMasterSelectionChanged(m_master->getSelections());
+}
+
+void TableViewSelectionSynchronizer::beginMasterSelectionMonitoring()
+{
+    // A listener that changes the selection while it is told of one makes monitoring begin twice in a row.
+    m_connections.clear();
+    m_connections.add(m_master->signalSelectionChanged.connect(
+        [this](const std::set<unsigned long long>& selection) {
+            onMasterSelectionChanged(selection);
+        }));
+}
+
+void TableViewSelectionSynchronizer::endMasterSelectionMonitoring()
+{
+    m_connections.clear();
+}
+
+void TableViewSelectionSynchronizer::onLocalSelectionChanged()
+{
+    const std::set<unsigned long long> cases =
+        m_converter->toCaseIDs(*m_tableView.selectionModel());
+    endMasterSelectionMonitoring();
+    const auto listenAgain = qScopeGuard([this] { beginMasterSelectionMonitoring(); });
+    m_master->setSelection(cases);
+}
+
+void TableViewSelectionSynchronizer::setLocalSelectionsToMaster(
+    const std::set<unsigned long long>& selection)
+{
+    m_tableView.selectionModel()->select(
+        m_converter->toItemSelection(selection), QItemSelectionModel::ClearAndSelect);
+}
+
+void TableViewSelectionSynchronizer::onMasterSelectionChanged(
+    const std::set<unsigned long long>& selection)
+{
+    endLocalSelectionMonitoring();
+    const auto listenAgain = qScopeGuard([this] { beginLocalSelectionMonitoring(); });
+    setLocalSelectionsToMaster(selection);
+}
+
+void TableViewSelectionSynchronizer::updateLocalSelections()
+{
+    setLocalSelectionsToMaster(m_master->getSelections());
+}
+
+void TableViewSelectionSynchronizer::beginLocalSelectionMonitoring()
+{
+    // Unique for the case that a listener has changed the selection while it was told of one.
+    connect(
+        m_tableView.selectionModel(),
+        SIGNAL(selectionChanged(const QItemSelection&, const QItemSelection&)),
+        this,
+        SLOT(onLocalSelectionChanged()),
+        static_cast<Qt::ConnectionType>(Qt::AutoConnection | Qt::UniqueConnection));
+}
+
+void TableViewSelectionSynchronizer::endLocalSelectionMonitoring()
+{
+    disconnect(m_tableView.selectionModel(), nullptr, this, nullptr);
+}
