@@ -9,6 +9,8 @@
 #include <array>
 #include <cmath>
 #include <limits>
+#include <string_view>
+#include <unordered_set>
 #include <utility>
 
 namespace {
@@ -45,6 +47,12 @@ public:
     }
 
     [[nodiscard]] std::size_t count() const { return m_count; }
+
+    /// In ascending order; only while there are not too many.
+    [[nodiscard]] std::vector<Value> values() const
+    {
+        return {m_values.data(), m_values.data() + m_count};
+    }
 
 private:
     std::array<Value, Variable::maxDistinctValues> m_values{};
@@ -123,29 +131,94 @@ std::size_t Variable::distinctValueCount() const
     if (m_distinctValues) {
         return *m_distinctValues;
     }
-    const std::size_t rows = rowCount();
     if (m_texts != nullptr) {
         DistinctValues<std::string> distinct;
-        for (std::size_t row = 0; row < rows; ++row) {
-            const std::string& text = m_texts->GetValue(static_cast<vtkIdType>(row));
-            if (!text.empty() && !distinct.add(text)) {
-                break;
-            }
-        }
+        forEachText([&distinct](const std::string& text) { return distinct.add(text); });
         m_distinctValues = distinct.count();
     } else {
         DistinctValues<double> distinct;
-        for (std::size_t row = 0; row < rows; ++row) {
-            const auto index = static_cast<vtkIdType>(row);
-            const double number =
-                m_reals != nullptr ? m_reals->GetValue(index) : m_integers->GetValue(index);
-            if (!std::isnan(number) && !distinct.add(number)) {
-                break;
-            }
-        }
+        forEachNumber([&distinct](double number) { return distinct.add(number); });
         m_distinctValues = distinct.count();
     }
     return *m_distinctValues;
+}
+
+std::vector<Variant> Variable::distinctValues() const
+{
+    const bool few = distinctValueCount() <= maxDistinctValues;
+    std::vector<Variant> result;
+    if (m_texts != nullptr) {
+        // The column keeps its texts where they are.
+        std::vector<std::string_view> texts;
+        if (few) {
+            DistinctValues<std::string_view> distinct;
+            forEachText([&distinct](const std::string& text) { return distinct.add(text); });
+            texts = distinct.values();
+        } else {
+            std::unordered_set<std::string_view> distinct;
+            forEachText([&distinct](const std::string& text) {
+                distinct.insert(text);
+                return true;
+            });
+            texts.assign(distinct.begin(), distinct.end());
+            std::sort(texts.begin(), texts.end());
+        }
+        result.reserve(texts.size());
+        for (const std::string_view text : texts) {
+            result.emplace_back(std::string(text));
+        }
+        return result;
+    }
+    std::vector<double> numbers;
+    if (few) {
+        DistinctValues<double> distinct;
+        forEachNumber([&distinct](double number) { return distinct.add(number); });
+        numbers = distinct.values();
+    } else {
+        numbers.reserve(rowCount());
+        forEachNumber([&numbers](double number) {
+            numbers.push_back(number);
+            return true;
+        });
+        std::sort(numbers.begin(), numbers.end());
+        numbers.erase(std::unique(numbers.begin(), numbers.end()), numbers.end());
+    }
+    const bool whole = isWhole();
+    result.reserve(numbers.size());
+    for (const double number : numbers) {
+        if (whole) {
+            result.emplace_back(static_cast<std::int64_t>(number));
+        } else {
+            result.emplace_back(number);
+        }
+    }
+    return result;
+}
+
+template <class Take>
+void Variable::forEachNumber(Take take) const
+{
+    const std::size_t rows = rowCount();
+    for (std::size_t row = 0; row < rows; ++row) {
+        const auto index = static_cast<vtkIdType>(row);
+        const double number =
+            m_reals != nullptr ? m_reals->GetValue(index) : m_integers->GetValue(index);
+        if (!std::isnan(number) && !take(number)) {
+            return;
+        }
+    }
+}
+
+template <class Take>
+void Variable::forEachText(Take take) const
+{
+    const std::size_t rows = rowCount();
+    for (std::size_t row = 0; row < rows; ++row) {
+        const std::string& text = m_texts->GetValue(static_cast<vtkIdType>(row));
+        if (!text.empty() && !take(text)) {
+            return;
+        }
+    }
 }
 
 const Variable::Statistics& Variable::statistics() const

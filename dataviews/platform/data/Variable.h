@@ -10,6 +10,7 @@
 #include <cstddef>
 #include <optional>
 #include <string>
+#include <vector>
 
 class vtkDoubleArray;
 class vtkIntArray;
@@ -78,6 +79,10 @@ public:
 
     static constexpr std::size_t maxDistinctValues = 50;
 
+    /// The different values in ascending order, as value() gives them, missing ones left out. Not kept: it may hold a
+    /// value for each case.
+    [[nodiscard]] std::vector<Variant> distinctValues() const;
+
 private:
     struct Statistics
     {
@@ -90,6 +95,14 @@ private:
 
     const Statistics& statistics() const;
     [[nodiscard]] std::size_t rowCount() const;
+
+    /// Calls \p take with every number that is not missing, until it returns false.
+    template <class Take>
+    void forEachNumber(Take take) const;
+
+    /// Calls \p take with every text that is not missing, until it returns false.
+    template <class Take>
+    void forEachText(Take take) const;
 
     vtkSmartPointer<vtkAbstractArray> m_column;
     vtkDoubleArray* m_reals;

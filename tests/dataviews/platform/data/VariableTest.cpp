@@ -10,6 +10,7 @@
 #include <cmath>
 #include <limits>
 #include <memory>
+#include <set>
 
 namespace {
 
@@ -141,6 +142,58 @@ TEST(VariableTest, CountsDistinctValuesUpToOneMoreThanFifty)
         EXPECT_EQ(make(realColumn("x", numbers))->distinctValueCount(), expected);
         EXPECT_EQ(make(textColumn("x", texts))->distinctValueCount(), expected);
     }
+}
+
+TEST(VariableTest, DistinctValuesComeAscendingInTheirType)
+{
+    const struct
+    {
+        const char* description;
+        std::unique_ptr<Variable> variable;
+        std::vector<Variant> expected;
+    } cases[] = {
+        {"reals",
+         make(realColumn("x", {2.5, nan, -infinity, 2.5, 1.0})),
+         {Variant(-infinity), Variant(1.0), Variant(2.5)}},
+        {"whole numbers", make(realColumn("x", {3.0, nan, -7.0, 3.0})), {Variant(-7), Variant(3)}},
+        {"integers", make(integerColumn("x", {5, -3, 5})), {Variant(-3), Variant(5)}},
+        {"texts",
+         make(textColumn("x", {"b", "", "10", "9", "b"})),
+         {Variant("10"), Variant("9"), Variant("b")}},
+        {"all missing", make(realColumn("x", {nan})), {}},
+    };
+
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.description);
+        const std::vector<Variant> values = c.variable->distinctValues();
+
+        ASSERT_EQ(values.size(), c.expected.size());
+        for (std::size_t place = 0; place < values.size(); ++place) {
+            expectSameType(values[place], c.expected[place]);
+        }
+    }
+}
+
+TEST(VariableTest, DistinctValuesAreCompleteWhereThereAreMany)
+{
+    std::vector<double> numbers;
+    std::vector<std::string> texts;
+    std::set<Variant> expectedNumbers;
+    std::set<Variant> expectedTexts;
+    constexpr int count = 500;
+    for (int number = 0; number < 2 * count; ++number) {
+        numbers.push_back(((number * 7919) % count) + 0.5);
+        texts.push_back(std::to_string((number * 7919) % count));
+        expectedNumbers.insert(Variant(numbers.back()));
+        expectedTexts.insert(Variant(texts.back()));
+    }
+
+    EXPECT_EQ(
+        make(realColumn("x", numbers))->distinctValues(),
+        std::vector<Variant>(expectedNumbers.begin(), expectedNumbers.end()));
+    EXPECT_EQ(
+        make(textColumn("x", texts))->distinctValues(),
+        std::vector<Variant>(expectedTexts.begin(), expectedTexts.end()));
 }
 
 TEST(VariableTest, ComputesOnceAndKeeps)
