@@ -3,8 +3,12 @@
 #include <analyzer/panels/SettingsPanel.h>
 #include <analyzer/study/studyInfo.h>
 #include <analyzer/views/AnalyzerViewInterface.h>
+#include <analyzer/views/SelectedImageView.h>
+#include <analyzer/views/ViewServices.h>
 #include <analyzer/views/viewKinds.h>
 
+#include <dataviews/common/images/AsyncImageCache.h>
+#include <dataviews/common/images/ImageCache.h>
 #include <dataviews/common/selection/RecordTableUtils.h>
 #include <dataviews/common/views/CvWaitCursor.h>
 
@@ -36,11 +40,14 @@
 #include <vtkTableAlgorithm.h>
 
 #include <boost/make_shared.hpp>
+#include <boost/pointer_cast.hpp>
 
 #include <algorithm>
 #include <cmath>
 #include <iterator>
+#include <map>
 #include <set>
+#include <utility>
 
 namespace analyzer {
 
@@ -57,13 +64,28 @@ QString counted(std::size_t number)
         .toString(static_cast<qulonglong>(number));
 }
 
+constexpr std::uint64_t zoomStep = 5; // percent
+constexpr std::uint64_t largestZoom = 100;
+constexpr std::uint64_t initialZoom = 25;
+
+template <class Slot>
+QAction* makeAction(
+    MainWindow& window, QMenu* menu, const QString& text, const QKeySequence& shortcut, Slot slot)
+{
+    QAction* action = menu->addAction(text);
+    action->setShortcut(shortcut);
+    QObject::connect(action, &QAction::triggered, &window, slot);
+    return action;
+}
+
 } // namespace
 
 MainWindow::MainWindow()
     : m_selection(boost::make_shared<SelectionModel>())
     , m_pipeline(std::make_unique<DataPipelineManager>(Project::project()))
+    , m_images(boost::make_shared<ImageCache>())
+    , m_scaledImages(boost::make_shared<AsyncImageCache>())
     , m_loader(new StudyLoader(this))
-    , m_firstViews({"scatter", "table"})
 {
     setObjectName(QStringLiteral("MainWindow"));
     setWindowTitle(tr("DataViews"));
@@ -133,7 +155,14 @@ bool MainWindow::isOpening() const
 
 boost::shared_ptr<AnalyzerViewInterface> MainWindow::addView(const std::string& kind)
 {
-    boost::shared_ptr<AnalyzerViewInterface> view = makeView(kind, *m_pipeline, m_selection);
+    return addView(kind, Qt::Horizontal);
+}
+
+boost::shared_ptr<AnalyzerViewInterface> MainWindow::addView(
+    const std::string& kind, Qt::Orientation beside)
+{
+    boost::shared_ptr<AnalyzerViewInterface> view =
+        makeView(kind, {*m_pipeline, m_selection, m_images, m_scaledImages});
     int number = 1;
     for (const OpenView& open : m_views) {
         number = open.view->kind() == kind ? std::max(number, open.number + 1) : number;
@@ -148,19 +177,19 @@ boost::shared_ptr<AnalyzerViewInterface> MainWindow::addView(const std::string& 
         m_welcome->hide();
         m_viewArea->addDockWidget(Qt::LeftDockWidgetArea, dock);
     } else {
-        m_viewArea->splitDockWidget(m_views.back().dock, dock, Qt::Horizontal);
+        m_viewArea->splitDockWidget(m_views.back().dock, dock, beside);
     }
     m_views.push_back({view, dock, number});
     nameDock(view.get());
 
     // Equal shares for all views.
     QList<QDockWidget*> docks;
-    QList<int> widths;
+    QList<int> shares;
     for (const OpenView& open : m_views) {
         docks.append(open.dock);
-        widths.append(1);
+        shares.append(1);
     }
-    m_viewArea->resizeDocks(docks, widths, Qt::Horizontal);
+    m_viewArea->resizeDocks(docks, shares, beside);
 
     AnalyzerViewInterface* raw = view.get();
     m_connections.add(view->signalTitleChanged.connect([this, raw] { nameDock(raw); }));
@@ -171,10 +200,37 @@ boost::shared_ptr<AnalyzerViewInterface> MainWindow::addView(const std::string& 
         }
         showContextMenu(place);
     }));
+    m_connections.add(view->signalImageActivated.connect(
+        [this](const WeakPtr<AuxFile>& file) { showImage(file); }));
     dock->show();
     setActiveView(view);
     updateActions();
     return view;
+}
+
+void MainWindow::addFirstViews()
+{
+    if (m_firstViews.empty() && Project::project().auxFileCount() > 0) {
+        addView("images");
+        addView("scatter");
+        addView("table", Qt::Vertical);
+        return;
+    }
+    const std::vector<std::string> plain{"scatter", "table"};
+    for (const std::string& kind : m_firstViews.empty() ? plain : m_firstViews) {
+        addView(kind);
+    }
+}
+
+void MainWindow::showImage(const WeakPtr<AuxFile>& file)
+{
+    const auto open = std::find_if(m_views.rbegin(), m_views.rend(), [](const OpenView& candidate) {
+        return candidate.view->kind() == "selected-image";
+    });
+    const boost::shared_ptr<AnalyzerViewInterface> view =
+        open == m_views.rend() ? addView("selected-image") : open->view;
+    boost::dynamic_pointer_cast<SelectedImageView>(view)->showImage(file);
+    setActiveView(view);
 }
 
 std::vector<boost::shared_ptr<AnalyzerViewInterface>> MainWindow::views() const
@@ -305,13 +361,9 @@ bool MainWindow::eventFilter(QObject* watched, QEvent* event)
 
 void MainWindow::buildMenus()
 {
-    const auto add =
-        [this](QMenu* menu, const QString& text, const QKeySequence& shortcut, auto slot) {
-            QAction* action = menu->addAction(text);
-            action->setShortcut(shortcut);
-            connect(action, &QAction::triggered, this, slot);
-            return action;
-        };
+    const auto add = [this](auto&&... arguments) {
+        return makeAction(*this, std::forward<decltype(arguments)>(arguments)...);
+    };
 
     QMenu* file = menuBar()->addMenu(tr("&File"));
     QAction* open = add(file, tr("&Open Study…"), QKeySequence::Open, &MainWindow::chooseStudyFile);
@@ -337,42 +389,7 @@ void MainWindow::buildMenus()
     QAction* invert =
         add(edit, tr("&Invert Selection"), tr("Ctrl+I"), &MainWindow::invertSelection);
 
-    QMenu* view = menuBar()->addMenu(tr("&View"));
-    m_viewMenu = view;
-    QAction* newChart =
-        add(view, tr("New &XY Chart"), tr("Ctrl+N"), [this] { addView("scatter"); });
-    QAction* newTable =
-        add(view, tr("New Case &Table"), tr("Ctrl+T"), [this] { addView("table"); });
-    view->addSeparator();
-    m_mouseModes = new QActionGroup(this);
-
-    const struct
-    {
-        QString text;
-        QString shortcut;
-        DataViewInterface::MouseMode mode;
-    } modes[] = {
-        {tr("Mouse &Selects"), tr("Ctrl+1"), DataViewInterface::Select},
-        {tr("Mouse &Pans"), tr("Ctrl+2"), DataViewInterface::Pan},
-        {tr("Mouse &Zooms"), tr("Ctrl+3"), DataViewInterface::Zoom},
-    };
-
-    for (const auto& mode : modes) {
-        QAction* action = add(view, mode.text, mode.shortcut, [this, value = mode.mode] {
-            if (m_active && m_active->mouseModeProperty()) {
-                m_active->mouseModeProperty()->setValue(value);
-            }
-        });
-        action->setCheckable(true);
-        action->setData(static_cast<int>(mode.mode));
-        m_mouseModes->addAction(action);
-    }
-    view->addSeparator();
-    m_fit = add(view, tr("&Fit Data"), tr("Ctrl+0"), [this] { m_active->fitData(); });
-    m_resetX =
-        add(view, tr("Reset X Axis"), tr("Ctrl+Shift+X"), [this] { m_active->resetXAxis(); });
-    m_resetY =
-        add(view, tr("Reset Y Axis"), tr("Ctrl+Shift+Y"), [this] { m_active->resetYAxis(); });
+    const QList<QAction*> newViews = buildViewMenu();
 
     QMenu* help = menuBar()->addMenu(tr("&Help"));
     add(help, tr("&About DataViews"), QKeySequence(), &MainWindow::showAbout);
@@ -388,12 +405,68 @@ void MainWindow::buildMenus()
     tools->addActions(m_mouseModes->actions());
     tools->addAction(m_fit);
     tools->addSeparator();
-    tools->addAction(newChart);
-    tools->addAction(newTable);
+    tools->addActions(newViews.mid(0, 3));
 
     m_selectionActions = {all, none, invert};
-    m_studyActions = {all, none, invert, newChart, newTable, m_showReport};
+    m_studyActions = QList<QAction*>{all, none, invert, m_showReport} + newViews;
     updateRecent();
+}
+
+QList<QAction*> MainWindow::buildViewMenu()
+{
+    const auto add = [this](auto&&... arguments) {
+        return makeAction(*this, m_viewMenu, std::forward<decltype(arguments)>(arguments)...);
+    };
+
+    m_viewMenu = menuBar()->addMenu(tr("&View"));
+    const QList<QAction*> newViews = {
+        add(tr("New &XY Chart"), tr("Ctrl+N"), [this] { addView("scatter"); }),
+        add(tr("New Case &Table"), tr("Ctrl+T"), [this] { addView("table"); }),
+        add(tr("New Image &Matrix"), tr("Ctrl+M"), [this] { addView("images"); }),
+        add(tr("New View of Selected &Images"), tr("Ctrl+Shift+M"), [this] {
+            addView("selected-image");
+        })};
+    m_viewMenu->addSeparator();
+    m_mouseModes = new QActionGroup(this);
+
+    const struct
+    {
+        QString text;
+        QString shortcut;
+        DataViewInterface::MouseMode mode;
+    } modes[] = {
+        {tr("Mouse &Selects"), tr("Ctrl+1"), DataViewInterface::Select},
+        {tr("Mouse &Pans"), tr("Ctrl+2"), DataViewInterface::Pan},
+        {tr("Mouse &Zooms"), tr("Ctrl+3"), DataViewInterface::Zoom},
+    };
+
+    for (const auto& mode : modes) {
+        QAction* action = add(mode.text, mode.shortcut, [this, value = mode.mode] {
+            if (m_active && m_active->mouseModeProperty()) {
+                m_active->mouseModeProperty()->setValue(value);
+            }
+        });
+        action->setCheckable(true);
+        action->setData(static_cast<int>(mode.mode));
+        m_mouseModes->addAction(action);
+    }
+    m_viewMenu->addSeparator();
+    m_fit = add(tr("&Fit Data"), tr("Ctrl+0"), [this] { m_active->fitData(); });
+    m_resetX = add(tr("Reset X Axis"), tr("Ctrl+Shift+X"), [this] { m_active->resetXAxis(); });
+    m_resetY = add(tr("Reset Y Axis"), tr("Ctrl+Shift+Y"), [this] { m_active->resetYAxis(); });
+    m_viewMenu->addSeparator();
+    m_zoomIn = add(tr("Zoom &In"), QKeySequence::ZoomIn, [this] {
+        const std::uint64_t zoom = m_active->zoom()->value();
+        m_active->zoom()->setValue(std::max(zoom, std::min(zoom + zoomStep, largestZoom)));
+    });
+    m_zoomOut = add(tr("Zoom &Out"), QKeySequence::ZoomOut, [this] {
+        const std::uint64_t zoom = m_active->zoom()->value();
+        m_active->zoom()->setValue(zoom - std::min(zoom, zoomStep));
+    });
+    // Shares its keys with fitting the data: no view has both.
+    m_resetZoom =
+        add(tr("Reset Z&oom"), tr("Ctrl+0"), [this] { m_active->zoom()->setValue(initialZoom); });
+    return newViews;
 }
 
 void MainWindow::buildPanels()
@@ -448,9 +521,7 @@ void MainWindow::takeStudy(const QString& path)
 
     setWindowTitle(tr("%1 – DataViews").arg(QString::fromStdString(Project::project().name())));
     rememberRecent(path);
-    for (const std::string& kind : m_firstViews) {
-        addView(kind);
-    }
+    addFirstViews();
     if (!m_views.empty()) {
         setActiveView(m_views.front().view);
     }
@@ -495,7 +566,10 @@ void MainWindow::nameDock(const AnalyzerViewInterface* view)
     if (found == m_views.end()) {
         return;
     }
-    const QString kind = view->kind() == "table" ? tr("Table") : tr("Chart");
+    const std::map<std::string, QString> kinds{
+        {"table", tr("Table")}, {"images", tr("Images")}, {"selected-image", tr("Image")}};
+    const auto named = kinds.find(view->kind());
+    const QString kind = named == kinds.end() ? tr("Chart") : named->second;
     const QString mark = found->view == m_active ? QStringLiteral("● ") : QString();
     found->dock->setWindowTitle(tr("%1%2 %3: %4")
                                     .arg(mark, kind)
@@ -516,6 +590,10 @@ void MainWindow::focusMoved(const QWidget* widget)
 void MainWindow::showContextMenu(const QPoint& place)
 {
     QMenu menu(this);
+    if (m_active) {
+        m_active->addContextActions(menu);
+        menu.addSeparator();
+    }
     if (m_active && m_active->hasAxes()) {
         menu.addActions({m_fit, m_resetX, m_resetY});
         menu.addSeparator();
@@ -535,6 +613,10 @@ void MainWindow::updateActions()
     const bool hasAxes = m_active && m_active->hasAxes();
     for (QAction* action : {m_fit, m_resetX, m_resetY}) {
         action->setEnabled(hasAxes);
+    }
+    const bool zooms = m_active && m_active->zoom();
+    for (QAction* action : {m_zoomIn, m_zoomOut, m_resetZoom}) {
+        action->setEnabled(zooms);
     }
     const bool hasModes = m_active && m_active->mouseModeProperty();
     for (QAction* action : m_mouseModes->actions()) {

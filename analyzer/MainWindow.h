@@ -3,6 +3,7 @@
 #include <analyzer/CommandLine.h>
 #include <analyzer/study/StudyReport.h>
 
+#include <dataviews/platform/data/WeakPtr.h>
 #include <dataviews/platform/pipeline/DataPipelineManager.h>
 #include <dataviews/platform/signals/SignalConnectionCollection.h>
 
@@ -16,6 +17,9 @@
 #include <string>
 #include <vector>
 
+class AsyncImageCache;
+class AuxFile;
+class ImageCache;
 class QAction;
 class QActionGroup;
 class QDockWidget;
@@ -51,11 +55,14 @@ public:
     /// Whether a study is being read now.
     [[nodiscard]] bool isOpening() const;
 
-    /// Kinds of the views that a study is opened with.
+    /// Kinds of the views that a study is opened with; without any, they are chosen for the study.
     void setFirstViews(std::vector<std::string> kinds) { m_firstViews = std::move(kinds); }
 
     /// Opens a view of \p kind, one of viewKinds(), beside the others and makes it the active one.
     boost::shared_ptr<AnalyzerViewInterface> addView(const std::string& kind);
+
+    /// Shows \p file in the view of selected images, the one used last if there are several, or in a new one.
+    void showImage(const WeakPtr<AuxFile>& file);
 
     /// The open views, oldest first.
     [[nodiscard]] std::vector<boost::shared_ptr<AnalyzerViewInterface>> views() const;
@@ -101,7 +108,11 @@ private:
         int number;
     };
 
+    boost::shared_ptr<AnalyzerViewInterface> addView(
+        const std::string& kind, Qt::Orientation beside);
+    void addFirstViews();
     void buildMenus();
+    QList<QAction*> buildViewMenu();
     void buildPanels();
     void closeProgress();
     void takeStudy(const QString& path);
@@ -123,6 +134,8 @@ private:
 
     boost::shared_ptr<SelectionModelInterface> m_selection;
     std::unique_ptr<DataPipelineManager> m_pipeline;
+    boost::shared_ptr<ImageCache> m_images;
+    boost::shared_ptr<AsyncImageCache> m_scaledImages;
     StudyLoader* m_loader;
     StudyReport m_report;
     std::vector<OpenView> m_views;
@@ -143,6 +156,9 @@ private:
     QAction* m_fit = nullptr;
     QAction* m_resetX = nullptr;
     QAction* m_resetY = nullptr;
+    QAction* m_zoomIn = nullptr;
+    QAction* m_zoomOut = nullptr;
+    QAction* m_resetZoom = nullptr;
     QAction* m_showReport = nullptr;
     QList<QAction*> m_selectionActions;
     QList<QAction*> m_studyActions; ///< those that need an open study

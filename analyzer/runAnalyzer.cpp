@@ -16,9 +16,11 @@
 #include <QFile>
 #include <QPixmap>
 #include <QSurfaceFormat>
+#include <QTimer>
 #include <QVTKOpenGLNativeWidget.h>
 #include <QWindow>
 
+#include <algorithm>
 #include <exception>
 #include <iostream>
 #include <set>
@@ -87,6 +89,7 @@ void select(MainWindow& window, const CommandLine& commandLine)
 void settle(MainWindow& window)
 {
     constexpr int patience = 5000; // milliseconds
+    constexpr int loadingPatience = 60000; // large pictures on slow disks
     QElapsedTimer timer;
     timer.start();
     while (timer.elapsed() < patience
@@ -97,7 +100,18 @@ void settle(MainWindow& window)
     for (int round = 0; round < 3; ++round) {
         QCoreApplication::processEvents(QEventLoop::AllEvents, 50);
     }
-    for (const boost::shared_ptr<AnalyzerViewInterface>& view : window.views()) {
+    const auto views = window.views();
+    const auto isLoading = [](const boost::shared_ptr<AnalyzerViewInterface>& view) {
+        return view->isLoading();
+    };
+    timer.restart();
+    while (timer.elapsed() < loadingPatience
+           && std::any_of(views.begin(), views.end(), isLoading)) {
+        QEventLoop pause;
+        QTimer::singleShot(10, &pause, &QEventLoop::quit);
+        pause.exec();
+    }
+    for (const boost::shared_ptr<AnalyzerViewInterface>& view : views) {
         view->render();
     }
 }

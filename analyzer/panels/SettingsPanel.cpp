@@ -1,16 +1,24 @@
+#include <analyzer/panels/ElidedComboBox.h>
+#include <analyzer/panels/ListField.h>
+#include <analyzer/panels/NumberField.h>
 #include <analyzer/panels/SettingsPanel.h>
+#include <analyzer/panels/StepsField.h>
+#include <analyzer/panels/VerticalScrollArea.h>
+#include <analyzer/panels/plainToolTip.h>
 #include <analyzer/views/AnalyzerViewInterface.h>
+#include <analyzer/views/ListSettingInterface.h>
+#include <analyzer/views/NumberSettingInterface.h>
 #include <analyzer/views/SettingInterface.h>
+#include <analyzer/views/StepsSettingInterface.h>
 
 #include <QCheckBox>
-#include <QComboBox>
-#include <QCompleter>
 #include <QFormLayout>
 #include <QLabel>
 #include <QSignalBlocker>
 #include <QVBoxLayout>
 
 #include <exception>
+#include <utility>
 
 namespace analyzer {
 
@@ -25,7 +33,7 @@ QStringList toList(const std::vector<std::string>& texts)
     return list;
 }
 
-void showChoices(QComboBox& box, const SettingInterface& setting)
+void showChoices(ElidedComboBox& box, const SettingInterface& setting)
 {
     const QSignalBlocker blocker(box);
     const QStringList choices = toList(setting.choices());
@@ -33,7 +41,7 @@ void showChoices(QComboBox& box, const SettingInterface& setting)
     box.clear();
     box.addItems(choices);
     box.setCurrentIndex(static_cast<int>(choices.indexOf(current)));
-    box.setToolTip(current);
+    box.setToolTip(plainToolTip(current));
 }
 
 } // namespace
@@ -42,16 +50,18 @@ SettingsPanel::SettingsPanel(QWidget* parent)
     : QWidget(parent)
     , m_title(new QLabel(this))
     , m_problem(new QLabel(this))
+    , m_scroll(new VerticalScrollArea(this))
 {
     setObjectName(QStringLiteral("SettingsPanel"));
-    auto* layout = new QVBoxLayout(this);
     m_title->setWordWrap(true);
     m_problem->setWordWrap(true);
+    m_problem->setTextFormat(Qt::PlainText); // it quotes names and values of studies
     m_problem->setObjectName(QStringLiteral("SettingsProblem"));
     m_problem->hide();
+    auto* layout = new QVBoxLayout(this);
     layout->addWidget(m_title);
     layout->addWidget(m_problem);
-    layout->addStretch(1);
+    layout->addWidget(m_scroll, 1);
     setView({});
 }
 
@@ -61,71 +71,118 @@ void SettingsPanel::setView(const boost::shared_ptr<AnalyzerViewInterface>& view
 {
     m_connections.clear();
     m_problem->hide();
-    delete m_fields;
-    m_fields = new QWidget(this);
+    m_fields = new QWidget;
     m_form = new QFormLayout(m_fields);
     m_form->setContentsMargins(0, 0, 0, 0);
-    m_form->setRowWrapPolicy(QFormLayout::WrapLongRows);
+    m_form->setRowWrapPolicy(QFormLayout::DontWrapRows);
     m_form->setFieldGrowthPolicy(QFormLayout::AllNonFixedFieldsGrow);
-    constexpr int placeOfFields = 1;
-    static_cast<QVBoxLayout*>(layout())->insertWidget(placeOfFields, m_fields);
-
-    if (!view) {
-        m_title->setText(tr("No view is open."));
-        return;
-    }
-    m_title->setText(
-        view->settings().empty() ? tr("This view has no settings.")
-                                 : tr("Settings of the active view"));
-    for (const boost::shared_ptr<SettingInterface>& setting : view->settings()) {
-        switch (setting->kind()) {
-        case SettingInterface::Kind::Choice:
-            addChoice(setting);
-            break;
-        case SettingInterface::Kind::Switch:
-            addSwitch(setting);
-            break;
+    if (view) {
+        for (const boost::shared_ptr<SettingInterface>& setting : view->settings()) {
+            add(setting);
         }
+        m_title->setText(
+            view->settings().empty() ? tr("This view has no settings.")
+                                     : tr("Settings of the active view"));
+    } else {
+        m_title->setText(tr("No view is open."));
+    }
+    m_scroll->setWidget(m_fields); // deletes the fields before
+    m_scroll->updateGeometry();
+}
+
+void SettingsPanel::add(const boost::shared_ptr<SettingInterface>& setting)
+{
+    const Attempt attempt = [this](const boost::function<void()>& change) { apply(change); };
+    switch (setting->kind()) {
+    case SettingInterface::Kind::Choice:
+        addChoice(setting);
+        return;
+    case SettingInterface::Kind::Switch:
+        addSwitch(setting);
+        return;
+    case SettingInterface::Kind::Number:
+        if (auto number = boost::dynamic_pointer_cast<NumberSettingInterface>(setting)) {
+            auto* field = new NumberField(std::move(number), attempt, m_fields);
+            addRow(setting, field, [field] { field->showSetting(); });
+        }
+        return;
+    case SettingInterface::Kind::List:
+        if (auto list = boost::dynamic_pointer_cast<ListSettingInterface>(setting)) {
+            auto* field = new ListField(std::move(list), attempt, m_fields);
+            addRow(setting, field, [field] { field->showSetting(); });
+        }
+        return;
+    case SettingInterface::Kind::Steps:
+        if (auto steps = boost::dynamic_pointer_cast<StepsSettingInterface>(setting)) {
+            auto* field = new StepsField(std::move(steps), attempt, m_fields);
+            addRow(setting, field, [field] { field->showSetting(); });
+        }
+        return;
     }
 }
 
 void SettingsPanel::addChoice(const boost::shared_ptr<SettingInterface>& setting)
 {
-    auto* box = new QComboBox(m_fields);
+    auto* box = new ElidedComboBox(m_fields);
     box->setObjectName(QString::fromStdString(setting->name()));
     box->setAccessibleName(QString::fromStdString(setting->label()));
-    box->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
-    box->setMinimumContentsLength(12);
-    box->setMaxVisibleItems(24);
-    showChoices(*box, *setting);
-    connect(box, QOverload<int>::of(&QComboBox::activated), this, [this, box, setting](int index) {
-        apply(*setting, box->itemText(index));
-        showChoices(*box, *setting);
-    });
-    m_connections.add(
-        setting->signalChanged.connect([box, raw = setting.get()] { showChoices(*box, *raw); }));
-    m_form->addRow(QString::fromStdString(setting->label()), box);
+    const auto show = [box, raw = setting.get()] { showChoices(*box, *raw); };
+    show();
+    connect(
+        box,
+        QOverload<int>::of(&QComboBox::activated),
+        this,
+        [this, box, setting, show](int index) {
+            apply([&] { setting->setText(box->itemText(index).toStdString()); });
+            show();
+        });
+    addRow(setting, box, show);
 }
 
 void SettingsPanel::addSwitch(const boost::shared_ptr<SettingInterface>& setting)
 {
     auto* box = new QCheckBox(QString::fromStdString(setting->label()), m_fields);
     box->setObjectName(QString::fromStdString(setting->name()));
-    box->setChecked(setting->text() == "on");
-    connect(box, &QCheckBox::clicked, this, [this, box, setting](bool checked) {
-        apply(*setting, checked ? QStringLiteral("on") : QStringLiteral("off"));
-        box->setChecked(setting->text() == "on");
+    const auto show = [box, raw = setting.get()] { box->setChecked(raw->text() == "on"); };
+    show();
+    connect(box, &QCheckBox::clicked, this, [this, setting, show](bool checked) {
+        apply([&] { setting->setText(checked ? "on" : "off"); });
+        show();
     });
-    m_connections.add(setting->signalChanged.connect(
-        [box, raw = setting.get()] { box->setChecked(raw->text() == "on"); }));
-    m_form->addRow(box);
+    addRow(setting, box, show);
 }
 
-void SettingsPanel::apply(SettingInterface& setting, const QString& text)
+void SettingsPanel::addRow(
+    const boost::shared_ptr<SettingInterface>& setting,
+    QWidget* field,
+    const boost::function<void()>& show)
+{
+    QLabel* label = nullptr;
+    if (setting->kind() == SettingInterface::Kind::Switch) {
+        m_form->addRow(field);
+    } else {
+        label = new QLabel(QString::fromStdString(setting->label()), m_fields);
+        label->setBuddy(field);
+        m_form->addRow(label, field);
+    }
+    const auto enable = [label, field, raw = setting.get()] {
+        field->setEnabled(raw->isEnabled());
+        if (label != nullptr) {
+            label->setEnabled(raw->isEnabled());
+        }
+    };
+    enable();
+    m_connections.add(setting->signalChanged.connect([show, enable] {
+        show();
+        enable();
+    }));
+}
+
+void SettingsPanel::apply(const boost::function<void()>& change)
 {
     m_problem->hide();
     try {
-        setting.setText(text.toStdString());
+        change();
     } catch (const std::exception& error) {
         m_problem->setText(QString::fromUtf8(error.what()));
         m_problem->show();

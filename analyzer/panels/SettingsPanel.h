@@ -4,6 +4,7 @@
 
 #include <QWidget>
 
+#include <boost/function.hpp>
 #include <boost/shared_ptr.hpp>
 
 class QFormLayout;
@@ -13,10 +14,12 @@ namespace analyzer {
 
 class AnalyzerViewInterface;
 class SettingInterface;
+class VerticalScrollArea;
 
 /// Edits the settings of the view that is active.
 ///
-/// A value that is refused is said beside the fields and changes nothing.
+/// Each setting is a row, grey while it has no effect; the field has the setting's name as object name. A value that is
+/// refused is said above the fields and changes nothing.
 class SettingsPanel : public QWidget
 {
     Q_OBJECT
@@ -31,12 +34,20 @@ public:
     void setView(const boost::shared_ptr<AnalyzerViewInterface>& view);
 
 private:
+    void add(const boost::shared_ptr<SettingInterface>& setting);
     void addChoice(const boost::shared_ptr<SettingInterface>& setting);
     void addSwitch(const boost::shared_ptr<SettingInterface>& setting);
-    void apply(SettingInterface& setting, const QString& text);
+
+    /// \p show brings \p field up to date.
+    void addRow(
+        const boost::shared_ptr<SettingInterface>& setting,
+        QWidget* field,
+        const boost::function<void()>& show);
+    void apply(const boost::function<void()>& change);
 
     QLabel* m_title;
     QLabel* m_problem;
+    VerticalScrollArea* m_scroll;
     QWidget* m_fields = nullptr;
     QFormLayout* m_form = nullptr;
     SignalConnectionCollection m_connections;

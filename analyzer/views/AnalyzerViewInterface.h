@@ -4,14 +4,19 @@
 
 #include <dataviews/common/views/DataViewInterface.h>
 
+#include <dataviews/platform/data/WeakPtr.h>
 #include <dataviews/platform/signals/Signal.h>
 
 #include <QPoint>
 
 #include <boost/shared_ptr.hpp>
 
+#include <cstdint>
 #include <string>
 #include <vector>
+
+class AuxFile;
+class QMenu;
 
 namespace analyzer {
 
@@ -22,6 +27,7 @@ public:
     AnalyzerViewInterface()
         : signalTitleChanged([this] { signalTitleChangedConnected(); })
         , signalContextMenuRequested([this] { signalContextMenuRequestedConnected(); })
+        , signalImageActivated([this] { signalImageActivatedConnected(); })
     {}
 
     AnalyzerViewInterface(const AnalyzerViewInterface&) = delete;
@@ -48,20 +54,39 @@ public:
     virtual void resetXAxis() = 0;
     virtual void resetYAxis() = 0;
 
+    /// The zoom of the images in percent; empty for views that do not zoom.
+    [[nodiscard]] virtual boost::shared_ptr<corvane::PropertyAbstract<std::uint64_t>> zoom() const
+    {
+        return {};
+    }
+
+    /// Whether something that the view shows is still being read.
+    [[nodiscard]] virtual bool isLoading() const { return false; }
+
+    /// Adds what only this view offers where signalContextMenuRequested was raised.
+    virtual void addContextActions(QMenu& /*menu*/) {}
+
     Signal<void(), AnalyzerViewInterface> signalTitleChanged;
 
     /// The user asked for a context menu, at this place of the screen; the selection has been adjusted.
     Signal<void(const QPoint&), AnalyzerViewInterface> signalContextMenuRequested;
+
+    /// The user wants to see this file at full size.
+    Signal<void(const WeakPtr<AuxFile>&), AnalyzerViewInterface> signalImageActivated;
 
 protected:
     void emitTitleChanged() const { signalTitleChanged(); }
 
     void emitContextMenuRequested(const QPoint& place) const { signalContextMenuRequested(place); }
 
+    void emitImageActivated(const WeakPtr<AuxFile>& file) const { signalImageActivated(file); }
+
 private:
     virtual void signalTitleChangedConnected() const {}
 
     virtual void signalContextMenuRequestedConnected() const {}
+
+    virtual void signalImageActivatedConnected() const {}
 };
 
 } // namespace analyzer

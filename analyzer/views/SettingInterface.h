@@ -17,7 +17,10 @@ public:
     enum class Kind
     {
         Choice, ///< one of choices()
-        Switch ///< one of choices(), which are "on" and "off"
+        Switch, ///< one of choices(), which are "on" and "off"
+        Number, ///< a whole number in a range; a NumberSettingInterface
+        List, ///< any of choices(); a ListSettingInterface
+        Steps ///< one of choices(), which are in order and maybe many; a StepsSettingInterface
     };
 
     SettingInterface()
@@ -36,7 +39,7 @@ public:
     /// For people: "X axis".
     [[nodiscard]] virtual std::string label() const = 0;
 
-    /// The texts that can be set now.
+    /// The texts that can be set now; none for numbers.
     [[nodiscard]] virtual std::vector<std::string> choices() const = 0;
 
     /// The present value; empty if there is none.
@@ -46,7 +49,10 @@ public:
     /// \throws ExceptionBase with a sentence if \p text is no choice or the property refuses it.
     virtual void setText(const std::string& text) = 0;
 
-    /// text() has changed.
+    /// Whether the setting has an effect as the other settings are. It can be set in any case.
+    [[nodiscard]] virtual bool isEnabled() const { return true; }
+
+    /// text(), choices() or isEnabled() may have changed.
     Signal<void(), SettingInterface> signalChanged;
 
 protected:

@@ -5,12 +5,10 @@
 #include <string>
 #include <vector>
 
-class DataPipelineManagerInterface;
-class SelectionModelInterface;
-
 namespace analyzer {
 
 class AnalyzerViewInterface;
+struct ViewServices;
 
 /// The kinds of views that can be opened, by their short names, in the order for lists.
 [[nodiscard]] std::vector<std::string> viewKinds();
@@ -18,10 +16,8 @@ class AnalyzerViewInterface;
 /// The properties of the views of \p kind and their values, for a help text.
 [[nodiscard]] std::string viewKindHelp(const std::string& kind);
 
-/// A new view of \p kind, one of viewKinds(), without a parent widget. \p pipeline outlives it.
+/// A new view of \p kind, one of viewKinds(), without a parent widget.
 [[nodiscard]] boost::shared_ptr<AnalyzerViewInterface> makeView(
-    const std::string& kind,
-    const DataPipelineManagerInterface& pipeline,
-    const boost::shared_ptr<SelectionModelInterface>& selectionModel);
+    const std::string& kind, const ViewServices& services);
 
 } // namespace analyzer

@@ -38,3 +38,27 @@ TEST(VariableSettingTest, OffersAndTakesTheAcceptedVariablesOfTheOpenStudy)
     EXPECT_EQ(setting.text(), "b");
     EXPECT_EQ(changes, 1);
 }
+
+TEST(VariableSettingTest, OffersNothingUnderAFreeName)
+{
+    SmallStudy study(1);
+    study.add("(all)", std::vector<double>{1.0}).add("b", std::vector<double>{3.0}).open();
+    const auto property =
+        boost::make_shared<corvane::Property<WeakPtr<Variable>>>(Project::project().variable("b"));
+    const auto any = [](const Variable&) { return true; };
+    std::vector<WeakPtr<Variable>> written;
+    const auto write = [&](const WeakPtr<Variable>& variable) {
+        written.push_back(variable);
+        property->setValue(variable);
+    };
+    analyzer::VariableSetting setting("row", "Row", property, any, "variables", "(all)", write);
+
+    EXPECT_EQ(setting.choices(), (std::vector<std::string>{"((all))", "(all)", "b"}));
+    setting.setText("((all))");
+    EXPECT_TRUE(property->value().isNull());
+    EXPECT_EQ(setting.text(), "((all))");
+    setting.setText("(all)");
+    EXPECT_EQ(property->value(), Project::project().variable("(all)"));
+    EXPECT_EQ(setting.text(), "(all)");
+    EXPECT_EQ(written.size(), 2U) << "sets by the function it was given";
+}

@@ -1,0 +1,105 @@
+#pragma once
+
+#include <analyzer/views/AnalyzerViewInterface.h>
+#include <analyzer/views/ImageMatrixViewInterface.h>
+
+#include <dataviews/common/images/ImageTableView.h>
+#include <dataviews/common/views/DataViewAbstract.h>
+
+#include <dataviews/platform/data/WeakPtr.h>
+#include <dataviews/platform/signals/SignalConnectionCollection.h>
+
+#include <QModelIndex>
+#include <QObject>
+#include <QPoint>
+#include <QPointer>
+
+#include <boost/enable_shared_from_this.hpp>
+#include <boost/shared_ptr.hpp>
+
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+class AuxFile;
+class DataPipelineManagerInterface;
+
+namespace analyzer {
+
+/// The images of the cases that pass the filters, laid out by variables or tags.
+///
+/// Starts with the study's images as tags to show. Owned through a shared pointer; its widget belongs to the parent
+/// that it was given, or to the view without one.
+class ImageMatrixView
+    : public QObject
+    , public DataViewAbstract
+    , public ImageMatrixViewInterface
+    , public AnalyzerViewInterface
+    , public boost::enable_shared_from_this<ImageMatrixView>
+{
+    Q_OBJECT
+
+public:
+    /// \p pipeline outlives the view. \p loader is the view's own.
+    ImageMatrixView(
+        const DataPipelineManagerInterface& pipeline,
+        const boost::shared_ptr<SelectionModelInterface>& selectionModel,
+        const boost::shared_ptr<ImageFileLoaderInterface>& loader);
+    ImageMatrixView(const ImageMatrixView&) = delete;
+    ImageMatrixView& operator=(const ImageMatrixView&) = delete;
+    ~ImageMatrixView() override;
+
+    void suspend() override;
+
+    /// Also shows settings, cases and selection as they are now.
+    void resume() override;
+    [[nodiscard]] QWidget& widget() override;
+    void accept(DataViewVisitorInterface& visitor) override;
+    void render() override;
+
+    [[nodiscard]] std::string kind() const override;
+    [[nodiscard]] std::string title() const override;
+    [[nodiscard]] const std::vector<boost::shared_ptr<SettingInterface>>& settings() const override;
+    [[nodiscard]] boost::shared_ptr<corvane::PropertyAbstract<MouseMode>> mouseModeProperty()
+        const override;
+
+    [[nodiscard]] bool hasAxes() const override { return false; }
+
+    void fitData() override {}
+
+    void resetXAxis() override {}
+
+    void resetYAxis() override {}
+
+    [[nodiscard]] boost::shared_ptr<corvane::PropertyAbstract<std::uint64_t>> zoom() const override;
+
+    [[nodiscard]] bool isLoading() const override { return m_images->isLoading(); }
+
+    /// Copy, open the folder, select the case: for the first image of the cell that the menu was asked for.
+    void addContextActions(QMenu& menu) override;
+
+    [[nodiscard]] ImageMatrixViewProperties& properties() const { return *m_properties; }
+
+    [[nodiscard]] ImageTableView& imageTable() const { return *m_images; }
+
+protected:
+    bool caseIDAtPoint(unsigned long long& caseID) override;
+
+private:
+    void buildSettings();
+    void watchTitle();
+    void openContextMenu(const QPoint& place);
+    void activate(const QModelIndex& index);
+    [[nodiscard]] std::optional<AuxFileImageData> firstImage(const QModelIndex& index) const;
+
+    QPointer<QWidget> m_widget;
+    boost::shared_ptr<ImageMatrixViewProperties> m_properties;
+    boost::shared_ptr<ImageFileLoaderInterface> m_loader;
+    std::unique_ptr<ImageTableView> m_images;
+    std::vector<boost::shared_ptr<SettingInterface>> m_settings;
+    std::optional<AuxFileImageData> m_imageUnderMouse; ///< of the last request for a menu
+    SignalConnectionCollection m_connections;
+};
+
+} // namespace analyzer

@@ -1,0 +1,132 @@
+#pragma once
+
+#include <analyzer/views/AnalyzerViewInterface.h>
+#include <analyzer/views/SelectedImageList.h>
+#include <analyzer/views/SelectedImageLoader.h>
+#include <analyzer/views/SelectedImageViewInterface.h>
+
+#include <dataviews/common/views/DataViewAbstract.h>
+
+#include <dataviews/platform/data/AuxFile.h>
+#include <dataviews/platform/data/WeakPtr.h>
+#include <dataviews/platform/signals/SignalConnectionCollection.h>
+
+#include <QPointer>
+#include <QTimer>
+
+#include <boost/enable_shared_from_this.hpp>
+#include <boost/shared_ptr.hpp>
+
+#include <cstddef>
+#include <optional>
+#include <set>
+#include <string>
+#include <vector>
+
+class DataPipelineManagerInterface;
+class ImageCache;
+struct ProjectChange;
+
+namespace analyzer {
+
+class SelectedImageWidget;
+
+/// One image of the selected cases at a time, at any size, with the values of its case.
+///
+/// The images are those of the selected cases that pass the filters, in ascending order of the case IDs, each case's
+/// in the order of the study. When the selection or the filters change, the image that is shown stays as long as it is
+/// among them; else the first one is shown. Pictures are read in the background; until one has come, the one before
+/// stays for a moment. Owned through a shared pointer; its widget belongs to the parent that it was given, or to the
+/// view without one.
+class SelectedImageView
+    : public DataViewAbstract
+    , public SelectedImageViewInterface
+    , public AnalyzerViewInterface
+    , public boost::enable_shared_from_this<SelectedImageView>
+{
+public:
+    /// \p pipeline outlives the view.
+    SelectedImageView(
+        const DataPipelineManagerInterface& pipeline,
+        boost::shared_ptr<SelectionModelInterface> selectionModel,
+        boost::shared_ptr<ImageCache> cache);
+    SelectedImageView(const SelectedImageView&) = delete;
+    SelectedImageView& operator=(const SelectedImageView&) = delete;
+    ~SelectedImageView() override;
+
+    /// Shows \p file, at once if its case is among the selected ones, else as soon as it is; a selection of other cases
+    /// and a walk of the user's end the waiting. Nothing for a file that is gone.
+    void showImage(const WeakPtr<AuxFile>& file);
+
+    void suspend() override;
+
+    /// Also shows the selection and the study as they are now.
+    void resume() override;
+    [[nodiscard]] QWidget& widget() override;
+    void accept(DataViewVisitorInterface& visitor) override;
+    void render() override;
+
+    [[nodiscard]] std::string kind() const override;
+    [[nodiscard]] std::string title() const override;
+    [[nodiscard]] const std::vector<boost::shared_ptr<SettingInterface>>& settings() const override;
+    [[nodiscard]] boost::shared_ptr<corvane::PropertyAbstract<MouseMode>> mouseModeProperty()
+        const override;
+
+    [[nodiscard]] bool hasAxes() const override { return false; }
+
+    void fitData() override {}
+
+    void resetXAxis() override {}
+
+    void resetYAxis() override {}
+
+    /// Whether the picture is as large as the view allows; undoable.
+    [[nodiscard]] boost::shared_ptr<corvane::PropertyAbstract<bool>> fitToWindow() const;
+
+    /// The image that is shown or being read; a handle of nothing without one.
+    [[nodiscard]] const WeakPtr<AuxFile>& currentImage() const { return m_current; }
+
+    /// Whether the picture of the present image is still to come.
+    [[nodiscard]] bool isLoading() const override { return m_loader.isLoading(); }
+
+    /// For tests.
+    [[nodiscard]] SelectedImageWidget& imageWidget() const;
+
+protected:
+    /// The case of the present image, wherever the mouse is.
+    bool caseIDAtPoint(unsigned long long& caseID) override;
+
+private:
+    void buildWidget();
+    void buildFitting();
+    void takeCases();
+    void takeSelection(const std::set<unsigned long long>& selection);
+    void chooseImage(bool hasSelection);
+    void walkTo(std::size_t place);
+    void showPlace(std::size_t place);
+    void showNothing(bool hasSelection);
+    void setCurrent(const WeakPtr<AuxFile>& file);
+    void describe(const AuxFile& file);
+    void projectChanged(const ProjectChange& change);
+    void pictureArrived(SelectedPicture& picture);
+    void zoomChanged();
+
+    const DataPipelineManagerInterface& m_pipeline;
+    QPointer<SelectedImageWidget> m_widget;
+    SelectedImageList m_list;
+    SelectedImageLoader m_loader;
+    QTimer
+        m_slowLoading; ///< runs while a picture is being read and the one before may still be seen
+    std::size_t m_place = 0; ///< of the present image, if there is one
+    WeakPtr<AuxFile> m_current;
+    WeakPtr<AuxFile> m_wanted; ///< to be shown when it is selected
+    boost::shared_ptr<QImage> m_shared; ///< keeps the present picture in the cache
+    boost::shared_ptr<corvane::PropertyAbstract<bool>> m_fitToWindow;
+    std::vector<boost::shared_ptr<SettingInterface>> m_settings;
+    bool m_isSuspended = false;
+    SignalConnectionCollection
+        m_connections; ///< those that are blocked while the view is suspended
+    SignalConnectionCollection m_lastingConnections;
+};
+
+} // namespace analyzer

@@ -1,0 +1,10 @@
+list(
+    APPEND
+    ANALYZER_VIEWS_SOURCES
+    ListSettingAbstract.cpp
+    NumberSetting.cpp
+    PageValueSetting.cpp
+    TagGroupListSetting.cpp
+    TagListSetting.cpp
+    VariableListSetting.cpp
+)

@@ -1,0 +1,1 @@
+list(APPEND ANALYZER_VIEWS_TEST_SOURCES NumberSettingTest.cpp PageValueSettingTest.cpp PropertyListSettingTest.cpp)
