@@ -200,6 +200,8 @@ int runAnalyzer(int argc, char** argv)
             return done;
         }
         QSurfaceFormat::setDefaultFormat(QVTKOpenGLNativeWidget::defaultFormat());
+        // Pictures in cells are drawn in the pixels of the screen.
+        QCoreApplication::setAttribute(Qt::AA_UseHighDpiPixmaps);
         const AnalyzerApplication application(argc, argv);
         return runWindow(commandLine);
     } catch (const UsageError& error) {

@@ -181,12 +181,14 @@ std::string ImageMatrixView::title() const
         name(m_properties->dimensionRowsBy()->value(), m_properties->rowVar()->value());
     const std::string columns =
         name(m_properties->dimensionColumnsBy()->value(), m_properties->columnVar()->value());
-    std::string text = rows + (rows.empty() || columns.empty() ? "" : " × ") + columns;
+    std::string text = rows.empty() && columns.empty()
+        ? tr("all cases").toStdString()
+        : rows + (rows.empty() || columns.empty() ? "" : " × ") + columns;
     const PagesBy by = m_properties->dimensionPagesBy()->value();
     if (by != PagesBy::None) {
         const std::string value = variantDisplayText(m_properties->pageValue()->value());
         const boost::shared_ptr<Variable> variable = m_properties->pageVar()->value().lock();
-        text += text.empty() ? "" : ", ";
+        text += ", ";
         text += by == PagesBy::ByVariable && variable ? variable->name() + " = " + value : value;
     }
     return text;

@@ -187,7 +187,7 @@ std::string SelectedImageView::kind() const
 std::string SelectedImageView::title() const
 {
     const boost::shared_ptr<AuxFile> file = m_current.lock();
-    return (file ? tr("Image: %1").arg(fileName(*file)) : tr("Image")).toStdString();
+    return (file ? fileName(*file) : tr("no image")).toStdString();
 }
 
 const std::vector<boost::shared_ptr<SettingInterface>>& SelectedImageView::settings() const

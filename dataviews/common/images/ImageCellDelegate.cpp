@@ -87,6 +87,7 @@ void ImageCellDelegate::paint(
         option.palette.color(isSelected ? QPalette::HighlightedText : QPalette::Text);
     painter->setPen(ink);
     const QRect box = imageBox(option.rect, imageSize());
+    QPoint corner = box.topLeft();
     switch (state) {
     case State::NoCases:
         painter->setOpacity(faint / 2.0);
@@ -105,6 +106,7 @@ void ImageCellDelegate::paint(
             QRect target(QPoint(0, 0), former.size().scaled(imageSize(), Qt::KeepAspectRatio));
             target.moveCenter(box.center());
             painter->drawImage(target, former);
+            corner = target.topLeft();
         }
         break;
     }
@@ -113,6 +115,13 @@ void ImageCellDelegate::paint(
         break;
     case State::Shown:
         break;
+    }
+    if (m_model.isStack(index)) {
+        // Where pictures have it.
+        painter->setOpacity(1.0);
+        painter->drawImage(
+            corner + QPoint(2, 2),
+            QImage(QStringLiteral(":/image-matrix-resources/images-stack.png")));
     }
     painter->restore();
 }

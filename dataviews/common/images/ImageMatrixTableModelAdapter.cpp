@@ -86,11 +86,10 @@ QVariant ImageMatrixTableModelAdapter::headerData(
     int section, Qt::Orientation orientation, int role) const
 {
     const int count = orientation == Qt::Horizontal ? columnCount() : rowCount();
-    // A header may be too narrow for its text.
     if ((role != Qt::DisplayRole && role != Qt::ToolTipRole) || section < 0 || section >= count) {
         return {};
     }
-    return headerText(section, orientation);
+    return headerText(section, orientation, role);
 }
 
 void ImageMatrixTableModelAdapter::setImageSize(const QSize& size, double devicePixelRatio)
@@ -136,6 +135,12 @@ ImageMatrixTableModelAdapter::State ImageMatrixTableModelAdapter::state(
         return State::Loading;
     }
     return image->isNull() ? State::Unreadable : State::Shown;
+}
+
+bool ImageMatrixTableModelAdapter::isStack(const QModelIndex& index) const
+{
+    const Cell cell = cellOf(index);
+    return firstImage(cell) != nullptr && m_model->images(cell).size() > 1;
 }
 
 QImage ImageMatrixTableModelAdapter::formerPicture(const QModelIndex& index) const
@@ -253,7 +258,8 @@ QString ImageMatrixTableModelAdapter::toolTip(const Cell& cell) const
     return QString::fromStdString(text);
 }
 
-QString ImageMatrixTableModelAdapter::headerText(int section, Qt::Orientation orientation) const
+QString ImageMatrixTableModelAdapter::headerText(
+    int section, Qt::Orientation orientation, int role) const
 {
     const bool isColumn = orientation == Qt::Horizontal;
     const By by = isColumn ? m_properties->dimensionColumnsBy()->value()
@@ -264,7 +270,11 @@ QString ImageMatrixTableModelAdapter::headerText(int section, Qt::Orientation or
         return tr("All");
     }
     const Variant value = isColumn ? m_model->columnHeader(section) : m_model->rowHeader(section);
-    return QString::fromStdString(variantDisplayText(value));
+    // A header may be too narrow for its text, and two may read the same.
+    return QString::fromStdString(
+        role == Qt::ToolTipRole && value.type() != Variant::Type::Empty
+            ? value.toString()
+            : variantDisplayText(value));
 }
 
 void ImageMatrixTableModelAdapter::modelChanged()

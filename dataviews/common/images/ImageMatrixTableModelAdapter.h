@@ -69,6 +69,9 @@ public:
 
     [[nodiscard]] State state(const QModelIndex& index) const;
 
+    /// Whether the cell stands for several images.
+    [[nodiscard]] bool isStack(const QModelIndex& index) const;
+
     /// While a cell is loading: its picture as it was shown last, at another size; null if it never was.
     [[nodiscard]] QImage formerPicture(const QModelIndex& index) const;
 
@@ -86,7 +89,7 @@ private:
     [[nodiscard]] QVariant decoration(const ImageTableModel::Cell& cell) const;
     [[nodiscard]] QString label(const AuxFileImageData& image) const;
     [[nodiscard]] QString toolTip(const ImageTableModel::Cell& cell) const;
-    [[nodiscard]] QString headerText(int section, Qt::Orientation orientation) const;
+    [[nodiscard]] QString headerText(int section, Qt::Orientation orientation, int role) const;
     void modelChanged();
     void imagesChanged();
     void imageArrived(const std::string& path);

@@ -242,7 +242,7 @@ TEST_F(SelectedImageViewTest, SaysWhatToDoWithoutAnImage)
         Project::project().variable("Speed"), ValueRange_s<double>{45.0, 60.0}, false));
     EXPECT_EQ(shown(), "None of the selected cases that pass the filters has an image.");
     EXPECT_FALSE(widget().values().isVisible());
-    EXPECT_EQ(m_view->title(), "Image");
+    EXPECT_EQ(m_view->title(), "no image");
 
     Project study;
     study.setCaseCount(2);
@@ -439,7 +439,7 @@ TEST_F(SelectedImageViewTest, TellsItsKindItsTitleAndItsMenu)
     m_view->adjustSelectionForMouseClickAtPoint();
 
     EXPECT_EQ(visitor.visited, m_view);
-    EXPECT_EQ(titles, (std::vector<std::string>{"Image: blue.png", "Image", "Image: blue.png"}));
+    EXPECT_EQ(titles, (std::vector<std::string>{"blue.png", "no image", "blue.png"}));
     EXPECT_EQ(menus, 1);
     EXPECT_EQ(m_master->getSelections(), std::set<unsigned long long>{3});
 }
@@ -454,7 +454,7 @@ TEST_F(SelectedImageViewTest, SurvivesItsWidget)
     QThreadPool::globalInstance()->waitForDone();
     QCoreApplication::processEvents();
 
-    EXPECT_EQ(m_view->title(), "Image: blue.png");
+    EXPECT_EQ(m_view->title(), "blue.png");
 }
 
 } // namespace analyzer

@@ -179,6 +179,8 @@ private:
     void expectHeaders();
     void expectCell(const Cell& cell);
     void expectCellsContaining(unsigned long long id);
+    void expectCasesOf(const std::vector<Cell>& cells);
+    void expectCellsContainingAny(const Cases& cases);
     void expectFirstCellWithImage();
 
     std::mt19937 m_random;
@@ -403,6 +405,19 @@ void RandomGrid::expectDefinition()
             expectCellsContaining(static_cast<unsigned long long>(static_cast<long long>(id)));
         });
     }
+    if (cellCount > 0) {
+        std::vector<Cell> cells;
+        for (int i = below(8); i > 0; --i) {
+            const int index = below(cellCount);
+            cells.emplace_back(index / columnCount, index % columnCount);
+        }
+        questions.push_back([=] { expectCasesOf(cells); });
+    }
+    std::set<unsigned long long> some;
+    for (int i = below(12); i > 0; --i) {
+        some.insert(static_cast<unsigned long long>(below(m_caseCount + 10)));
+    }
+    questions.push_back([=] { expectCellsContainingAny(some); });
     std::shuffle(questions.begin(), questions.end(), m_random);
     for (const auto& ask : questions) {
         ask();
@@ -467,6 +482,28 @@ void RandomGrid::expectCellsContaining(unsigned long long id)
         }
     }
     EXPECT_EQ(m_model->cellsContaining(id), expected);
+}
+
+void RandomGrid::expectCasesOf(const std::vector<Cell>& cells)
+{
+    Cases expected;
+    for (const Cell& cell : cells) {
+        const Cases& cases = m_model->caseIDs(cell);
+        expected.insert(cases.begin(), cases.end());
+    }
+    EXPECT_EQ(m_model->caseIDsOf(cells), expected);
+}
+
+void RandomGrid::expectCellsContainingAny(const Cases& cases)
+{
+    std::set<Cell> expected;
+    for (const unsigned long long id : cases) {
+        for (const Cell& cell : m_model->cellsContaining(id)) {
+            expected.insert(cell);
+        }
+    }
+    EXPECT_EQ(
+        m_model->cellsContainingAny(cases), std::vector<Cell>(expected.begin(), expected.end()));
 }
 
 void RandomGrid::expectFirstCellWithImage()
