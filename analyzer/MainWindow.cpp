@@ -159,7 +159,7 @@ boost::shared_ptr<AnalyzerViewInterface> MainWindow::addView(const std::string& 
 }
 
 boost::shared_ptr<AnalyzerViewInterface> MainWindow::addView(
-    const std::string& kind, Qt::Orientation beside)
+    const std::string& kind, Qt::Orientation beside, QDockWidget* over)
 {
     boost::shared_ptr<AnalyzerViewInterface> view =
         makeView(kind, {*m_pipeline, m_selection, m_images, m_scaledImages});
@@ -176,20 +176,24 @@ boost::shared_ptr<AnalyzerViewInterface> MainWindow::addView(
     if (m_views.empty()) {
         m_welcome->hide();
         m_viewArea->addDockWidget(Qt::LeftDockWidgetArea, dock);
+    } else if (over != nullptr) {
+        m_viewArea->tabifyDockWidget(over, dock);
     } else {
         m_viewArea->splitDockWidget(m_views.back().dock, dock, beside);
     }
     m_views.push_back({view, dock, number});
     nameDock(view.get());
 
-    // Equal shares for all views.
-    QList<QDockWidget*> docks;
-    QList<int> shares;
-    for (const OpenView& open : m_views) {
-        docks.append(open.dock);
-        shares.append(1);
+    if (over == nullptr) {
+        // Equal shares for all views.
+        QList<QDockWidget*> docks;
+        QList<int> shares;
+        for (const OpenView& open : m_views) {
+            docks.append(open.dock);
+            shares.append(1);
+        }
+        m_viewArea->resizeDocks(docks, shares, beside);
     }
-    m_viewArea->resizeDocks(docks, shares, beside);
 
     AnalyzerViewInterface* raw = view.get();
     m_connections.add(view->signalTitleChanged.connect([this, raw] { nameDock(raw); }));
@@ -227,10 +231,26 @@ void MainWindow::showImage(const WeakPtr<AuxFile>& file)
     const auto open = std::find_if(m_views.rbegin(), m_views.rend(), [](const OpenView& candidate) {
         return candidate.view->kind() == "selected-image";
     });
-    const boost::shared_ptr<AnalyzerViewInterface> view =
-        open == m_views.rend() ? addView("selected-image") : open->view;
+    const boost::shared_ptr<AnalyzerViewInterface> view = open == m_views.rend()
+        ? addView("selected-image", Qt::Horizontal, largestOtherDock())
+        : open->view;
     boost::dynamic_pointer_cast<SelectedImageView>(view)->showImage(file);
+    find(view.get())->dock->raise();
     setActiveView(view);
+}
+
+QDockWidget* MainWindow::largestOtherDock() const
+{
+    const auto area = [](const QDockWidget& dock) {
+        return dock.isVisible() && !dock.isFloating() ? dock.width() * dock.height() : 0;
+    };
+    QDockWidget* largest = nullptr;
+    for (const OpenView& open : m_views) {
+        if (open.view != m_active && area(*open.dock) > (largest == nullptr ? 0 : area(*largest))) {
+            largest = open.dock;
+        }
+    }
+    return largest;
 }
 
 std::vector<boost::shared_ptr<AnalyzerViewInterface>> MainWindow::views() const

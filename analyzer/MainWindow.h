@@ -108,8 +108,12 @@ private:
         int number;
     };
 
+    /// Beside the view opened last, or on top of the panel \p over.
     boost::shared_ptr<AnalyzerViewInterface> addView(
-        const std::string& kind, Qt::Orientation beside);
+        const std::string& kind, Qt::Orientation beside, QDockWidget* over = nullptr);
+
+    /// The largest panel but that of the active view; null without one.
+    [[nodiscard]] QDockWidget* largestOtherDock() const;
     void addFirstViews();
     void buildMenus();
     QList<QAction*> buildViewMenu();

@@ -3,6 +3,8 @@
 #include <QEvent>
 #include <QScrollBar>
 
+#include <algorithm>
+
 namespace analyzer {
 
 VerticalScrollArea::VerticalScrollArea(QWidget* parent)
@@ -22,7 +24,10 @@ QSize VerticalScrollArea::sizeHint() const
 QSize VerticalScrollArea::minimumSizeHint() const
 {
     constexpr int minimumHeight = 60;
-    const int width = widget() == nullptr ? 0 : widget()->minimumSizeHint().width();
+    constexpr int leastLetters = 38; // so that another content does not change the width
+    const int width = std::max(
+        widget() == nullptr ? 0 : widget()->minimumSizeHint().width(),
+        leastLetters * fontMetrics().averageCharWidth());
     return {width + verticalScrollBar()->sizeHint().width(), minimumHeight};
 }
 
