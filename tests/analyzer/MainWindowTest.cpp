@@ -4,12 +4,19 @@
 #include <analyzer/views/CaseTableSelection.h>
 #include <analyzer/views/CaseTableView.h>
 #include <analyzer/views/CaseTableWidget.h>
+#include <analyzer/views/ImageCanvas.h>
+#include <analyzer/views/ImageMatrixView.h>
 #include <analyzer/views/ScatterPlotView.h>
+#include <analyzer/views/SelectedImageView.h>
+#include <analyzer/views/SelectedImageWidget.h>
+
+#include <dataviews/common/images/QImageTableView.h>
 
 #include <dataviews/platform/data/Project.h>
 #include <dataviews/platform/selection/SelectionModelInterface.h>
 #include <dataviews/platform/undo/UndoStack.h>
 
+#include <QAction>
 #include <QComboBox>
 #include <QDockWidget>
 #include <QFile>
@@ -20,6 +27,7 @@
 #include <QSignalSpy>
 #include <QTemporaryDir>
 #include <QTest>
+#include <QTimer>
 
 #include <vtkIdTypeArray.h>
 #include <vtkPlotPoints.h>
@@ -62,6 +70,65 @@ protected:
         }
         return write(QStringLiteral("wings.csv"), content);
     }
+
+    /// Two spans by two times, each case with a picture of its own color: 0.png to 3.png.
+    QString writeImageStudy() const
+    {
+        QByteArray content = "Span,Time,FILE\n";
+        for (int i = 0; i < caseCountWithImages; ++i) {
+            QImage image(60, 40, QImage::Format_RGB32);
+            image.fill(colorOf(i));
+            EXPECT_TRUE(image.save(m_folder.filePath(QStringLiteral("%1.png").arg(i))));
+            content += QByteArray::number(i / 2) + ',' + QByteArray::number(i % 2) + ','
+                + QByteArray::number(i) + ".png\n";
+        }
+        return write(QStringLiteral("images.csv"), content);
+    }
+
+    static QColor colorOf(int number)
+    {
+        constexpr int step = 60;
+        return QColor(step * number, 200, 255 - step * number);
+    }
+
+    void show()
+    {
+        m_window->show();
+        QApplication::setActiveWindow(m_window.get());
+        ASSERT_TRUE(QTest::qWaitForWindowExposed(m_window.get()));
+        QTest::qWait(50); // docks take their places
+    }
+
+    /// The action of a menu, by its text without the mark of its key.
+    [[nodiscard]] QAction& action(const QString& text) const
+    {
+        for (QAction* candidate : m_window->findChildren<QAction*>()) {
+            if (candidate->text().remove(QLatin1Char('&')) == text) {
+                return *candidate;
+            }
+        }
+        throw std::logic_error("there is no action " + text.toStdString());
+    }
+
+    template <class View>
+    [[nodiscard]] boost::shared_ptr<View> view(std::size_t place) const
+    {
+        return boost::dynamic_pointer_cast<View>(m_window->views().at(place));
+    }
+
+    /// Until what \p view shows is there.
+    static void settle(const analyzer::AnalyzerViewInterface& view)
+    {
+        QTimer deadline;
+        deadline.setSingleShot(true);
+        deadline.start(30000);
+        while (view.isLoading() && deadline.isActive()) {
+            QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
+        }
+        ASSERT_FALSE(view.isLoading());
+    }
+
+    static constexpr int caseCountWithImages = 4;
 
     /// False if the study was refused.
     bool open(const QString& path)
@@ -284,4 +351,100 @@ TEST_F(MainWindowTest, ClosedViewGoesAndTheOthersStayLinked)
     m_window->selectAll();
     UndoStack::history().undo(); // of a view that is gone: does nothing
     EXPECT_EQ(status(), QStringLiteral("40 of 40 cases selected"));
+}
+
+TEST_F(MainWindowTest, OpensAStudyWithImagesAsAMatrixBesideTheOthers)
+{
+    ASSERT_TRUE(open(writeImageStudy()));
+    EXPECT_EQ(kinds(), (std::vector<std::string>{"images", "scatter", "table"}));
+    EXPECT_EQ(m_window->activeView(), m_window->views().front());
+
+    action(QStringLiteral("New Image Matrix")).trigger();
+    EXPECT_EQ(kinds(), (std::vector<std::string>{"images", "scatter", "table", "images"}));
+    EXPECT_EQ(m_window->activeView(), m_window->views().back());
+    m_window->assign({"images", 2, "row", "(all)"});
+    EXPECT_EQ(view<analyzer::ImageMatrixView>(0)->title(), "Time × Span");
+    EXPECT_EQ(view<analyzer::ImageMatrixView>(3)->title(), "Span");
+    EXPECT_FALSE(m_window->views().front()->mouseModeProperty());
+}
+
+TEST_F(MainWindowTest, DoubleClickInTheMatrixShowsTheImageInOneView)
+{
+    ASSERT_TRUE(open(writeImageStudy()));
+    show();
+    const auto matrix = view<analyzer::ImageMatrixView>(0);
+    QImageTableView& grid = matrix->imageTable().grid();
+
+    const struct
+    {
+        int row;
+        int column;
+        int number;
+    } clicks[] = {{1, 0, 1}, {0, 1, 2}, {0, 1, 2}};
+
+    for (const auto& [row, column, number] : clicks) {
+        SCOPED_TRACE(number);
+        const QModelIndex index = grid.model()->index(row, column);
+        grid.scrollTo(index);
+        const QPoint place = grid.visualRect(index).center();
+        QTest::mouseClick(grid.viewport(), Qt::LeftButton, Qt::NoModifier, place);
+        EXPECT_EQ(
+            m_window->selection().getSelections(), Cases({static_cast<unsigned>(number) + 1}));
+        QTest::mouseDClick(grid.viewport(), Qt::LeftButton, Qt::NoModifier, place);
+        QTest::mouseRelease(grid.viewport(), Qt::LeftButton, Qt::NoModifier, place);
+        QTest::qWait(50); // docks take their places
+
+        ASSERT_EQ(
+            kinds(), (std::vector<std::string>{"images", "scatter", "table", "selected-image"}));
+        const auto shown = view<analyzer::SelectedImageView>(3);
+        EXPECT_EQ(m_window->activeView(), shown);
+        settle(*shown);
+        EXPECT_EQ(shown->title(), std::to_string(number) + ".png");
+        const QImage picture = shown->imageWidget().canvas().grab().toImage();
+        EXPECT_EQ(picture.pixelColor(picture.rect().center()), colorOf(number));
+        EXPECT_EQ(
+            m_window->selection().getSelections(), Cases({static_cast<unsigned>(number) + 1}));
+    }
+}
+
+TEST_F(MainWindowTest, KeysZoomTheActiveMatrixOnly)
+{
+    ASSERT_TRUE(open(writeImageStudy()));
+    const auto other = m_window->addView("images");
+    show();
+    const auto matrix = m_window->views()[0];
+    const auto chart = m_window->views()[1];
+    const auto press = [this](Qt::Key key) {
+        QTest::keyClick(m_window.get(), key, Qt::ControlModifier);
+    };
+    other->zoom()->setValue(50);
+    m_window->setActiveView(matrix);
+
+    press(Qt::Key_Plus);
+    EXPECT_EQ(matrix->zoom()->value(), 30U);
+    press(Qt::Key_Minus);
+    press(Qt::Key_Minus);
+    EXPECT_EQ(matrix->zoom()->value(), 20U);
+    press(Qt::Key_0);
+    EXPECT_EQ(matrix->zoom()->value(), 25U);
+    for (int i = 0; i < 30; ++i) {
+        press(Qt::Key_Plus);
+    }
+    EXPECT_EQ(matrix->zoom()->value(), 100U);
+    for (int i = 0; i < 30; ++i) {
+        press(Qt::Key_Minus);
+    }
+    EXPECT_EQ(matrix->zoom()->value(), 0U);
+    EXPECT_EQ(other->zoom()->value(), 50U);
+
+    m_window->setActiveView(chart);
+    for (const Qt::Key key : {Qt::Key_Plus, Qt::Key_Minus, Qt::Key_0}) {
+        press(key);
+    }
+    EXPECT_EQ(matrix->zoom()->value(), 0U);
+    EXPECT_EQ(other->zoom()->value(), 50U);
+    m_window->setActiveView(other);
+    press(Qt::Key_0);
+    EXPECT_EQ(other->zoom()->value(), 25U);
+    EXPECT_EQ(matrix->zoom()->value(), 0U);
 }

@@ -175,3 +175,63 @@ TEST_F(RunAnalyzerTest, WritesAPictureOfTheWindowAsAsked)
         run({study, QStringLiteral("--screenshot"), QStringLiteral("/nowhere/a.png")}, true).status,
         1);
 }
+
+TEST_F(RunAnalyzerTest, WritesAPictureOfAPageOfImages)
+{
+    const QColor colors[] = {QColor(10, 140, 60), QColor(160, 40, 200)};
+    for (int i = 0; i < 4; ++i) {
+        QImage image(300, 200, QImage::Format_RGB32);
+        image.fill(colors[i % 2]);
+        ASSERT_TRUE(image.save(m_folder.filePath(QStringLiteral("%1.png").arg(i))));
+    }
+    const QString study = write(
+        QStringLiteral("data.csv"),
+        "Span,Time,FILE\n1,0.5,0.png\n1,1.5,1.png\n2,0.5,2.png\n2,1.5,3.png\n");
+    const QString picture = m_folder.filePath(QStringLiteral("page.png"));
+    const auto runWith = [&](const QStringList& settings) {
+        QStringList arguments{
+            study,
+            QStringLiteral("--view"),
+            QStringLiteral("images"),
+            QStringLiteral("--size"),
+            QStringLiteral("900x600"),
+            QStringLiteral("--screenshot"),
+            picture};
+        for (const QString& setting : settings) {
+            arguments += {QStringLiteral("--set"), QStringLiteral("images.") + setting};
+        }
+        return run(arguments, true);
+    };
+
+    const Result result = runWith(
+        {QStringLiteral("row=Span"),
+         QStringLiteral("column=(all)"),
+         QStringLiteral("page=Time"),
+         QStringLiteral("pages-by=variable"),
+         QStringLiteral("page-value=1.5"),
+         QStringLiteral("zoom=10")});
+
+    EXPECT_EQ(result.status, 0) << result.errors.toStdString();
+    const QImage image(picture);
+    ASSERT_EQ(image.size(), QSize(900, 600));
+    int pixels[] = {0, 0};
+    for (int y = 0; y < image.height(); ++y) {
+        for (int x = 0; x < image.width(); ++x) {
+            for (int i = 0; i < 2; ++i) {
+                pixels[i] += image.pixelColor(x, y) == colors[i] ? 1 : 0;
+            }
+        }
+    }
+    EXPECT_EQ(pixels[0], 0) << "of the other page";
+    // Two pictures in boxes of 125 x 125.
+    EXPECT_EQ(pixels[1], 2 * 125 * 83);
+
+    ASSERT_TRUE(QFile::remove(picture));
+    for (const char* wrong : {"zoom=1000", "row=Wing", "pages-by=Time", "page-value=1.5"}) {
+        SCOPED_TRACE(wrong);
+        const Result refused = runWith({QString::fromLatin1(wrong)});
+        EXPECT_EQ(refused.status, 1);
+        EXPECT_EQ(refused.errors.count(QLatin1Char('\n')), 1) << refused.errors.toStdString();
+        EXPECT_FALSE(QFile::exists(picture));
+    }
+}

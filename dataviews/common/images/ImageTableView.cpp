@@ -321,6 +321,9 @@ void ImageTableView::Implementation::refresh()
 {
     setImageSize();
     model->reset();
+    // While the view is suspended, its own reactions to the reset are off.
+    layout.grid->fitSections();
+    updateCaptions();
 }
 
 std::vector<Cell> ImageTableView::Implementation::selectedCells() const
