@@ -127,6 +127,8 @@ MainWindow::MainWindow()
 
 MainWindow::~MainWindow()
 {
+    // Focus moves also while the parts of the window go.
+    disconnect(qApp, nullptr, this, nullptr);
     m_connections.clear();
     closeViews();
     UndoStack::history().clear();
@@ -206,6 +208,8 @@ boost::shared_ptr<AnalyzerViewInterface> MainWindow::addView(
     }));
     m_connections.add(view->signalImageActivated.connect(
         [this](const WeakPtr<AuxFile>& file) { showImage(file); }));
+    m_connections.add(view->signalProblem.connect(
+        [this](const std::string& sentence) { tellError(QString::fromStdString(sentence)); }));
     dock->show();
     setActiveView(view);
     updateActions();

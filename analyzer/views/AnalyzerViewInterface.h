@@ -28,6 +28,7 @@ public:
         : signalTitleChanged([this] { signalTitleChangedConnected(); })
         , signalContextMenuRequested([this] { signalContextMenuRequestedConnected(); })
         , signalImageActivated([this] { signalImageActivatedConnected(); })
+        , signalProblem([this] { signalProblemConnected(); })
     {}
 
     AnalyzerViewInterface(const AnalyzerViewInterface&) = delete;
@@ -74,10 +75,15 @@ public:
     /// The user wants to see this file at full size.
     Signal<void(const WeakPtr<AuxFile>&), AnalyzerViewInterface> signalImageActivated;
 
+    /// What the user asked for by a menu of the view could not be done; a sentence that says why, UTF-8.
+    Signal<void(const std::string&), AnalyzerViewInterface> signalProblem;
+
 protected:
     void emitTitleChanged() const { signalTitleChanged(); }
 
     void emitContextMenuRequested(const QPoint& place) const { signalContextMenuRequested(place); }
+
+    void emitProblem(const std::string& sentence) const { signalProblem(sentence); }
 
     void emitImageActivated(const WeakPtr<AuxFile>& file) const { signalImageActivated(file); }
 
@@ -87,6 +93,8 @@ private:
     virtual void signalContextMenuRequestedConnected() const {}
 
     virtual void signalImageActivatedConnected() const {}
+
+    virtual void signalProblemConnected() const {}
 };
 
 } // namespace analyzer

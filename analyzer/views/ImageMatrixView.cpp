@@ -220,13 +220,27 @@ void ImageMatrixView::addContextActions(QMenu& menu)
     menu.addAction(tr("Show Image at Full &Size"), this, [this, image] {
         emitImageActivated(image.auxFile());
     });
-    menu.addAction(tr("&Copy Image"), this, [path] { copyToClipboard(path); });
-    menu.addAction(tr("Open Containing &Folder"), this, [path] { openFolderOf(path); });
+    menu.addAction(
+        tr("&Copy Image"), this, [this, path] { attempt([&path] { copyToClipboard(path); }); });
+    menu.addAction(tr("Open Containing &Folder"), this, [this, path] {
+        attempt([&path] { openFolderOf(path); });
+    });
     menu.addAction(tr("Select &Only This Case"), this, [this, image] {
         if (!image.auxFile().expired()) {
             selectionModel().setSelection({image.record().caseID()});
         }
     });
+}
+
+/// Exceptions must not pass through Qt's menus.
+template <class Function>
+void ImageMatrixView::attempt(Function function) const
+{
+    try {
+        function();
+    } catch (const std::exception& error) {
+        emitProblem(error.what());
+    }
 }
 
 bool ImageMatrixView::caseIDAtPoint(unsigned long long& caseID)

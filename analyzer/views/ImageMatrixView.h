@@ -87,6 +87,8 @@ protected:
     bool caseIDAtPoint(unsigned long long& caseID) override;
 
 private:
+    template <class Function>
+    void attempt(Function function) const;
     void buildSettings();
     void watchTitle();
     void openContextMenu(const QPoint& place);

@@ -3,7 +3,8 @@
 
 #include <benchmark/benchmark.h>
 
-/// The benchmarks paint nothing, but the wait cursor and Qt's models need an application object.
+/// The benchmarks of image views have windows; the wait cursor and Qt's models need an application object. None needs a
+/// display.
 int main(int argc, char** argv)
 {
     if (!qEnvironmentVariableIsSet("QT_QPA_PLATFORM")) {

@@ -234,6 +234,7 @@ std::vector<Cell> CaseGrid::representativesOfAny(const std::set<unsigned long lo
     const std::size_t cells = (m_rows.isByTag() ? 1 : m_rows.size()) * columns;
     const bool usesMap = cells <= largestMap;
     RowBitmap map(usesMap ? cells : 0);
+    std::size_t unmarked = m_grouping.cells().size();
     std::vector<std::size_t> places;
     for (const unsigned long long caseID : caseIDs) {
         const std::optional<std::size_t> row = project.row(caseID);
@@ -243,8 +244,11 @@ std::vector<Cell> CaseGrid::representativesOfAny(const std::set<unsigned long lo
         const std::size_t place = m_rows.indexOfRow(*row) * columns + m_columns.indexOfRow(*row);
         if (!usesMap) {
             places.push_back(place);
-        } else {
+        } else if (!map.contains(place)) {
             map.set(place);
+            if (--unmarked == 0) {
+                break; // of a million cases some thousands tell
+            }
         }
     }
     map.forEach([&places](std::size_t place) { places.push_back(place); });

@@ -148,7 +148,7 @@ QImage ImageMatrixTableModelAdapter::formerPicture(const QModelIndex& index) con
     const AuxFileImageData* first = firstImage(cellOf(index));
     const auto place =
         first == nullptr ? m_lastPictures.end() : m_lastPictures.find(first->filePath());
-    return place == m_lastPictures.end() ? QImage() : place->second;
+    return place == m_lastPictures.end() ? QImage() : place->second.plain;
 }
 
 QString ImageMatrixTableModelAdapter::labelText() const
@@ -217,12 +217,24 @@ QVariant ImageMatrixTableModelAdapter::decoration(const Cell& cell) const
     if (!shared) {
         return {};
     }
-    QImage image = *shared;
-    if (m_asyncLoader && !image.isNull()) {
-        image.setDevicePixelRatio(m_devicePixelRatio);
-        m_lastPictures[path] = image;
+    const bool isOfSeveral = m_model->images(cell).size() > 1;
+    if (!m_asyncLoader || shared->isNull()) {
+        return isOfSeveral ? m_decorator->decorate(*shared) : *shared;
     }
-    return m_model->images(cell).size() > 1 ? m_decorator->decorate(std::move(image)) : image;
+    ShownPicture& shown = m_lastPictures[path];
+    if (shown.source != shared->cacheKey()
+        || shown.plain.devicePixelRatio() != m_devicePixelRatio) {
+        shown = {shared->cacheKey(), *shared, QImage()};
+        shown.plain.setDevicePixelRatio(m_devicePixelRatio);
+    }
+    if (!isOfSeveral) {
+        return shown.plain;
+    }
+    if (shown.marked.isNull()) {
+        // Once a picture, not at every paint.
+        shown.marked = m_decorator->decorate(shown.plain);
+    }
+    return shown.marked;
 }
 
 QString ImageMatrixTableModelAdapter::label(const AuxFileImageData& image) const

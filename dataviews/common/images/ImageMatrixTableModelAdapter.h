@@ -82,6 +82,14 @@ public:
     void labelsChanged();
 
 private:
+    /// From an asynchronous loader.
+    struct ShownPicture
+    {
+        qint64 source = 0; ///< the key of the loader's picture
+        QImage plain;
+        QImage marked; ///< for cells that stand for several; null until it is needed
+    };
+
     [[nodiscard]] static ImageTableModel::Cell cellOf(const QModelIndex& index);
     [[nodiscard]] const AuxFileImageData* firstImage(const ImageTableModel::Cell& cell) const;
     [[nodiscard]] boost::shared_ptr<QImage> picture(
@@ -104,6 +112,6 @@ private:
     double m_devicePixelRatio = 1.0;
     mutable std::optional<QString> m_labelText;
     mutable std::unordered_map<std::string, std::vector<ImageTableModel::Cell>> m_awaited;
-    mutable std::unordered_map<std::string, QImage> m_lastPictures; ///< of what is visible
+    mutable std::unordered_map<std::string, ShownPicture> m_lastPictures; ///< of what is visible
     SignalConnectionCollection m_connections;
 };
