@@ -41,7 +41,7 @@ void addVariable(Project& project, const char* name, int divisor, int modulus)
 /// A picture of an ellipse for each width and height.
 void fillProject(Project& project, const QTemporaryDir& folder)
 {
-    project.setCaseCount(widths * heights);
+    project.setCaseCount(std::size_t{widths} * heights);
     addVariable(project, "Width", 1, widths);
     addVariable(project, "Height", widths, heights);
     for (int i = 0; i < widths * heights; ++i) {

@@ -1,6 +1,7 @@
 #include <analyzer/panels/CheckListPopup.h>
 #include <analyzer/panels/ListField.h>
 #include <analyzer/panels/plainToolTip.h>
+#include <analyzer/panels/toStringList.h>
 #include <analyzer/views/ListSettingInterface.h>
 
 #include <QSignalBlocker>
@@ -12,19 +13,6 @@
 #include <vector>
 
 namespace analyzer {
-
-namespace {
-
-QStringList toList(const std::vector<std::string>& texts)
-{
-    QStringList list;
-    for (const std::string& text : texts) {
-        list.append(QString::fromStdString(text));
-    }
-    return list;
-}
-
-} // namespace
 
 ListField::ListField(
     boost::shared_ptr<ListSettingInterface> setting, Attempt attempt, QWidget* parent)
@@ -45,7 +33,7 @@ ListField::ListField(
 void ListField::showSetting()
 {
     const QSignalBlocker blocker(this);
-    const QStringList chosen = toList(m_setting->selected());
+    const QStringList chosen = toStringList(m_setting->selected());
     // The one item is what the field reads.
     clear();
     addItem(chosen.isEmpty() ? tr("(none)") : chosen.join(QStringLiteral(", ")));
@@ -62,7 +50,7 @@ void ListField::showSetting()
 
 void ListField::showPopup()
 {
-    m_popup->open(*this, toList(m_setting->choices()), toList(m_setting->selected()));
+    m_popup->open(*this, toStringList(m_setting->choices()), toStringList(m_setting->selected()));
 }
 
 void ListField::hidePopup()

@@ -5,6 +5,7 @@
 #include <analyzer/panels/StepsField.h>
 #include <analyzer/panels/VerticalScrollArea.h>
 #include <analyzer/panels/plainToolTip.h>
+#include <analyzer/panels/toStringList.h>
 #include <analyzer/views/AnalyzerViewInterface.h>
 #include <analyzer/views/ListSettingInterface.h>
 #include <analyzer/views/NumberSettingInterface.h>
@@ -24,19 +25,10 @@ namespace analyzer {
 
 namespace {
 
-QStringList toList(const std::vector<std::string>& texts)
-{
-    QStringList list;
-    for (const std::string& text : texts) {
-        list.append(QString::fromStdString(text));
-    }
-    return list;
-}
-
 void showChoices(ElidedComboBox& box, const SettingInterface& setting)
 {
     const QSignalBlocker blocker(box);
-    const QStringList choices = toList(setting.choices());
+    const QStringList choices = toStringList(setting.choices());
     const QString current = QString::fromStdString(setting.text());
     box.clear();
     box.addItems(choices);

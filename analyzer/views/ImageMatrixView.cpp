@@ -170,7 +170,7 @@ std::string ImageMatrixView::kind() const
 
 std::string ImageMatrixView::title() const
 {
-    const auto name = [this](RowsBy by, const WeakPtr<Variable>& handle) {
+    const auto name = [](RowsBy by, const WeakPtr<Variable>& handle) {
         if (by == RowsBy::ByTag) {
             return tr("tags").toStdString();
         }

@@ -19,8 +19,8 @@ class NumberSetting : public SettingAbstract<NumberSettingInterface>
 public:
     struct Range
     {
-        std::uint64_t minimum;
-        std::uint64_t maximum; ///< at most the largest int, for the fields of a panel
+        std::uint64_t minimum = 0;
+        std::uint64_t maximum = 0; ///< at most the largest int, for the fields of a panel
         std::uint64_t step = 1;
     };
 

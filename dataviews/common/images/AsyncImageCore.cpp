@@ -282,7 +282,7 @@ void AsyncImageCore::work()
             m_hugeIsInWork = false;
             m_wake.notify_one();
         }
-        finish(job, std::move(outcome.picture), std::move(outcome.problem), gone);
+        finish(job, std::move(outcome.picture), outcome.problem, gone);
     }
 }
 
@@ -302,12 +302,12 @@ AsyncImageCore::Job& AsyncImageCore::takeJob()
 }
 
 void AsyncImageCore::finish(
-    Job& job, boost::shared_ptr<QImage> picture, std::string problem, Pictures& gone)
+    Job& job, boost::shared_ptr<QImage> picture, const std::string& problem, Pictures& gone)
 {
     if (picture == nullptr) {
         picture = m_nullPicture;
         if (m_clientCount > 0) {
-            m_problems.try_emplace(job.key->path, std::move(problem));
+            m_problems.try_emplace(job.key->path, problem);
         }
     } else if (m_clientCount > 0) {
         append(gone, m_pictures.insert(*job.key, picture));

@@ -90,9 +90,9 @@ private:
     /// What a client wants of one file.
     struct Request
     {
-        Client* client;
+        Client* client = nullptr;
         QSize size;
-        Priority priority;
+        Priority priority = {};
         Job* job = nullptr; ///< as long as it is not finished
         boost::shared_ptr<QImage> picture; ///< from then on; null for one that cannot be shown
         bool isToBeTold = false; ///< it has arrived, and the client does not know
@@ -119,7 +119,8 @@ private:
     /// Takes the first job out of its queue.
     Job& takeJob();
 
-    void finish(Job& job, boost::shared_ptr<QImage> picture, std::string problem, Pictures& gone);
+    void finish(
+        Job& job, boost::shared_ptr<QImage> picture, const std::string& problem, Pictures& gone);
     void drop(Job& job);
 
     /// Makes \p job one of those that wait, or moves it to its place.

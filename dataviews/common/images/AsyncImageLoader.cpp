@@ -55,7 +55,7 @@ private:
 struct AsyncImageLoader::Implementation
 {
     boost::shared_ptr<AsyncImageCore> core;
-    Receiver* receiver; ///< its own, see Receiver::leave()
+    Receiver* receiver = nullptr; ///< its own, see Receiver::leave()
     std::unique_ptr<AsyncImageCore::Client> client;
 };
 

@@ -82,7 +82,7 @@ public:
 private:
     using CodesPointer = boost::shared_ptr<const VariableCodes>;
 
-    CodesPointer codes(const WeakPtr<Variable>& variable);
+    CodesPointer codes(const WeakPtr<Variable>& handle);
     void updateDimensions(const GridSettings& settings, bool hasCaseChange);
     void updatePage(const GridSettings& settings);
     [[nodiscard]] bool holdsUnknownCases(const Cell& cell) const;

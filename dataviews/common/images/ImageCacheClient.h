@@ -12,6 +12,8 @@ class DATAVIEWS_IMAGES_EXPORT ImageCacheClient
 public:
     /// \p loader is what the pictures come from.
     explicit ImageCacheClient(boost::shared_ptr<ImageFileLoaderInterface> loader);
+    ImageCacheClient(const ImageCacheClient&) = delete;
+    ImageCacheClient& operator=(const ImageCacheClient&) = delete;
     ~ImageCacheClient() override;
 
 private:

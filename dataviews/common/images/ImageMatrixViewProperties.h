@@ -25,6 +25,8 @@ public:
 
     /// Proposes variables for columns, rows and pages, in this order: inputs with few values first.
     ImageMatrixViewProperties();
+    ImageMatrixViewProperties(const ImageMatrixViewProperties&) = delete;
+    ImageMatrixViewProperties& operator=(const ImageMatrixViewProperties&) = delete;
     ~ImageMatrixViewProperties() override;
 
     [[nodiscard]] boost::shared_ptr<corvane::PropertyAbstract<WeakPtr<Variable>>> rowVar() const;

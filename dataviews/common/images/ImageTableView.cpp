@@ -119,10 +119,10 @@ public:
     Implementation(
         ImageTableView& view,
         QWidget& parent,
-        vtkSmartPointer<vtkTableAlgorithm> table,
+        vtkSmartPointer<vtkTableAlgorithm> source,
         boost::shared_ptr<SelectionModelInterface> selection,
         const boost::shared_ptr<ImageFileLoaderInterface>& loader,
-        boost::shared_ptr<Properties> properties);
+        boost::shared_ptr<Properties> viewProperties);
     Implementation(const Implementation&) = delete;
     Implementation& operator=(const Implementation&) = delete;
     ~Implementation() override;

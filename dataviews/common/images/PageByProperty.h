@@ -13,6 +13,8 @@ class DATAVIEWS_IMAGES_EXPORT PageByProperty
 public:
     /// Works on the properties of \p properties and keeps them alive, not \p properties itself.
     explicit PageByProperty(const ImageMatrixViewProperties& properties);
+    PageByProperty(const PageByProperty&) = delete;
+    PageByProperty& operator=(const PageByProperty&) = delete;
     ~PageByProperty() override;
 
 protected:

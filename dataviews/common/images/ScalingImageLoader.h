@@ -17,6 +17,8 @@ public:
     /// \p loader must give a picture, be it a null one, for every path. Pictures are fitted into \p size, in pixels,
     /// with their proportions kept, small ones enlarged; an empty size makes null pictures of them.
     ScalingImageLoader(boost::shared_ptr<ImageFileLoaderInterface> loader, const QSize& size);
+    ScalingImageLoader(const ScalingImageLoader&) = delete;
+    ScalingImageLoader& operator=(const ScalingImageLoader&) = delete;
     ~ScalingImageLoader() override;
 
     /// Another size forgets all scaled copies. To be called on the thread that asks for pictures.

@@ -227,7 +227,7 @@ double tiffValues(QFile& file, qint64 pixels)
                                                  : valuesPerPixel;
             value = std::max(value, readNumber(bytes));
         }
-        file.seek(start + 4 + 2 * wordSize);
+        file.seek(start + 4 + qint64{2} * wordSize);
     }
     if (stream.status() != QDataStream::Ok) {
         return -1;
@@ -337,7 +337,7 @@ QImage readScaled(const Look& look, const QSize& size)
         // Given before the picture is turned. The other formats would be decoded in full all the same.
         reader.setScaledSize(liesOnItsSide(look) ? target.transposed() : target);
     }
-    const QImage image = reader.read();
+    QImage image = reader.read();
     if (image.isNull()) {
         return image;
     }
