@@ -13,6 +13,8 @@ find_package(
                RenderingOpenGL2
                RenderingFreeType
                InteractionStyle
+               InteractionWidgets
+               RenderingAnnotation
                ViewsContext2D
                GUISupportQt
 )

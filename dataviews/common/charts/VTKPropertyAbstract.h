@@ -49,6 +49,10 @@ protected:
     /// Writes \p value into the VTK object.
     virtual void storeValueInVTK(const T& value) = 0;
 
+    /// Makes the value that the VTK object holds now the one that the property knows of, and tells nobody. For the
+    /// end of the constructors of subclasses: until then the property knows of T(), whatever the object holds.
+    void rememberValue() { m_cachedValue = this->value(); }
+
 private:
     /// Not observed while the property writes, so that its own write does not come back as a change by others.
     class ObserverPause

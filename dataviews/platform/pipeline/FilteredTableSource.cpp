@@ -1,5 +1,6 @@
 #include <dataviews/platform/data/RowBitmap.h>
 #include <dataviews/platform/pipeline/FilteredTableSource.h>
+#include <dataviews/platform/pipeline/copyRows.h>
 
 #include <QtGlobal>
 
@@ -10,29 +11,9 @@
 #include <vtkStringArray.h>
 #include <vtkTable.h>
 
-#include <algorithm>
 #include <utility>
 
 namespace {
-
-/// Copies the values of \p rows one behind the other. Words of neighbours that all pass, as in
-/// ordered columns, are copied as a block.
-template <class Value>
-void copyRows(const Value* from, const RowBitmap& rows, Value* to)
-{
-    constexpr std::size_t wordSize = 64;
-    const std::vector<std::uint64_t>& words = rows.words();
-    for (std::size_t word = 0; word < words.size(); ++word, from += wordSize) {
-        std::uint64_t bits = words[word];
-        if (bits == ~std::uint64_t(0)) {
-            to = std::copy_n(from, wordSize, to);
-            continue;
-        }
-        for (; bits != 0; bits &= bits - 1) {
-            *to++ = from[__builtin_ctzll(bits)];
-        }
-    }
-}
 
 template <class Array>
 vtkSmartPointer<vtkAbstractArray> chosenRows(

@@ -1,0 +1,4 @@
+#include <dataviews/common/serializers/GenericSerializer.h>
+
+template class GenericSerializer<bool>;
+template class GenericSerializer<short>;

@@ -1,0 +1,3 @@
+#include <dataviews/common/serializers/ValueRangeSerializer.h>
+
+template class ValueRangeSerializer<double>;
