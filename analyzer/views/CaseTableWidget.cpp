@@ -57,6 +57,7 @@ CaseTableWidget::CaseTableWidget(
     verticalHeader()->setHighlightSections(false);
     verticalHeader()->setMinimumSectionSize(
         1); // raising it later resizes row by row, in quadratic time
+    horizontalHeader()->setTextElideMode(Qt::ElideRight);
     horizontalHeader()->setHighlightSections(false);
     horizontalHeader()->setSectionsClickable(true);
     horizontalHeader()->setSortIndicatorShown(true);

@@ -54,6 +54,7 @@ using Properties = ImageMatrixViewProperties;
 constexpr double wheelStep = 120.0; // of one notch
 constexpr double zoomOfOneStep = 5.0;
 constexpr double largestWheelZoom = 100.0;
+constexpr int rowHeaderLetters = 16;
 
 QString translated(const char* text)
 {
@@ -220,6 +221,12 @@ void ImageTableView::Implementation::prepareGrid()
     grid.horizontalHeader()->setSectionResizeMode(QHeaderView::Fixed);
     grid.verticalHeader()->setSectionResizeMode(QHeaderView::Fixed);
     grid.verticalHeader()->setDefaultAlignment(Qt::AlignCenter);
+    for (QHeaderView* header : {grid.horizontalHeader(), grid.verticalHeader()}) {
+        header->setTextElideMode(Qt::ElideRight);
+    }
+    // Long texts are shortened, and whole in their tips: the images need the room.
+    grid.verticalHeader()->setMaximumWidth(
+        rowHeaderLetters * grid.verticalHeader()->fontMetrics().averageCharWidth());
     // The headers would look at every selected cell at every picture.
     grid.horizontalHeader()->setHighlightSections(false);
     grid.verticalHeader()->setHighlightSections(false);

@@ -121,6 +121,17 @@ TEST_F(ImageTableViewTest, IsLaidOutAsAGridWithCaptions)
     EXPECT_EQ(caption("columnHeader"), QString());
 }
 
+TEST_F(ImageTableViewTest, LongRowHeadersLeaveRoomForImages)
+{
+    Project::project().addTag("Images", std::string(200, 'w'));
+    m_properties->tagsToShow()->setValue({std::string(200, 'w'), "front"});
+    m_properties->dimensionRowsBy()->setValue(By::ByTag);
+
+    build();
+
+    EXPECT_LT(m_view->grid().verticalHeader()->width(), m_view->grid().width() / 3);
+}
+
 TEST_F(ImageTableViewTest, ClickedCellsAreTheSelectedCases)
 {
     build();
