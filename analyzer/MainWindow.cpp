@@ -3,6 +3,7 @@
 #include <analyzer/panels/SettingsPanel.h>
 #include <analyzer/study/studyInfo.h>
 #include <analyzer/views/AnalyzerViewInterface.h>
+#include <analyzer/views/HoveredCase.h>
 #include <analyzer/views/SelectedImageView.h>
 #include <analyzer/views/ViewServices.h>
 #include <analyzer/views/viewKinds.h>
@@ -85,6 +86,7 @@ MainWindow::MainWindow()
     , m_pipeline(std::make_unique<DataPipelineManager>(Project::project()))
     , m_images(boost::make_shared<ImageCache>())
     , m_scaledImages(boost::make_shared<AsyncImageCache>())
+    , m_hovered(boost::make_shared<HoveredCase>())
     , m_loader(new StudyLoader(this))
 {
     setObjectName(QStringLiteral("MainWindow"));
@@ -164,7 +166,7 @@ boost::shared_ptr<AnalyzerViewInterface> MainWindow::addView(
     const std::string& kind, Qt::Orientation beside, QDockWidget* over)
 {
     boost::shared_ptr<AnalyzerViewInterface> view =
-        makeView(kind, {*m_pipeline, m_selection, m_images, m_scaledImages});
+        makeView(kind, {*m_pipeline, m_selection, m_images, m_scaledImages, m_hovered});
     int number = 1;
     for (const OpenView& open : m_views) {
         number = open.view->kind() == kind ? std::max(number, open.number + 1) : number;

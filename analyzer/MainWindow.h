@@ -31,6 +31,7 @@ class SelectionModelInterface;
 namespace analyzer {
 
 class AnalyzerViewInterface;
+class HoveredCase;
 class SettingsPanel;
 class StudyLoader;
 
@@ -140,6 +141,7 @@ private:
     std::unique_ptr<DataPipelineManager> m_pipeline;
     boost::shared_ptr<ImageCache> m_images;
     boost::shared_ptr<AsyncImageCache> m_scaledImages;
+    boost::shared_ptr<HoveredCase> m_hovered;
     StudyLoader* m_loader;
     StudyReport m_report;
     std::vector<OpenView> m_views;

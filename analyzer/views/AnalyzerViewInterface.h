@@ -1,5 +1,6 @@
 #pragma once
 
+#include <analyzer/views/LeftOutCases.h>
 #include <analyzer/views/SettingInterface.h>
 
 #include <dataviews/common/views/DataViewInterface.h>
@@ -12,6 +13,7 @@
 #include <boost/shared_ptr.hpp>
 
 #include <cstdint>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -29,6 +31,7 @@ public:
         , signalContextMenuRequested([this] { signalContextMenuRequestedConnected(); })
         , signalImageActivated([this] { signalImageActivatedConnected(); })
         , signalProblem([this] { signalProblemConnected(); })
+        , signalLeftOutChanged([this] { signalLeftOutChangedConnected(); })
     {}
 
     AnalyzerViewInterface(const AnalyzerViewInterface&) = delete;
@@ -64,6 +67,12 @@ public:
     /// Whether something that the view shows is still being read.
     [[nodiscard]] virtual bool isLoading() const { return false; }
 
+    /// The cases that the view leaves out, by reason; none with a count of 0.
+    [[nodiscard]] virtual std::vector<LeftOutCases> leftOut() const { return {}; }
+
+    /// The IDs of the cases that leftOut() counts.
+    [[nodiscard]] virtual std::set<unsigned long long> leftOutCaseIDs() const { return {}; }
+
     /// Adds what only this view offers where signalContextMenuRequested was raised.
     virtual void addContextActions(QMenu& /*menu*/) {}
 
@@ -78,12 +87,17 @@ public:
     /// What the user asked for by a menu of the view could not be done; a sentence that says why, UTF-8.
     Signal<void(const std::string&), AnalyzerViewInterface> signalProblem;
 
+    /// leftOut() and leftOutCaseIDs() may have changed.
+    Signal<void(), AnalyzerViewInterface> signalLeftOutChanged;
+
 protected:
     void emitTitleChanged() const { signalTitleChanged(); }
 
     void emitContextMenuRequested(const QPoint& place) const { signalContextMenuRequested(place); }
 
     void emitProblem(const std::string& sentence) const { signalProblem(sentence); }
+
+    void emitLeftOutChanged() const { signalLeftOutChanged(); }
 
     void emitImageActivated(const WeakPtr<AuxFile>& file) const { signalImageActivated(file); }
 
@@ -95,6 +109,8 @@ private:
     virtual void signalImageActivatedConnected() const {}
 
     virtual void signalProblemConnected() const {}
+
+    virtual void signalLeftOutChangedConnected() const {}
 };
 
 } // namespace analyzer

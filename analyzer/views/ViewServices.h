@@ -9,6 +9,8 @@ class SelectionModelInterface;
 
 namespace analyzer {
 
+class HoveredCase;
+
 /// What the views of one window share.
 struct ViewServices
 {
@@ -16,6 +18,7 @@ struct ViewServices
     boost::shared_ptr<SelectionModelInterface> selection;
     boost::shared_ptr<ImageCache> images; ///< at full size
     boost::shared_ptr<AsyncImageCache> scaledImages;
+    boost::shared_ptr<HoveredCase> hovered;
 };
 
 } // namespace analyzer
