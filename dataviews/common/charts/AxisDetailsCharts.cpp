@@ -1,6 +1,7 @@
 #include <dataviews/common/charts/AxisDetailsCharts.h>
 #include <dataviews/common/charts/AxisRangePropertyAbstract.h>
 #include <dataviews/common/charts/VTKPropertyAbstract.h>
+#include <dataviews/common/charts/axisRange.h>
 #include <dataviews/common/views/UndoablePropertyProxy.h>
 
 #include <dataviews/platform/data/makeNiceNumber.h>
@@ -86,7 +87,7 @@ protected:
             m_axis->SetBehavior(vtkAxis::FIXED);
             // An axis that holds custom ticks makes no others, whatever its behavior.
             m_axis->SetCustomTickPositions(nullptr);
-            if (canBeDivided(m_axis->GetMinimum(), m_axis->GetMaximum())) {
+            if (canBeDivided({m_axis->GetMinimum(), m_axis->GetMaximum()})) {
                 m_axis->RecalculateTickSpacing();
             }
         }
@@ -96,15 +97,6 @@ protected:
     [[nodiscard]] bool storedValue() const override { return m_useCustom; }
 
 private:
-    /// VTK steps from tick to tick by adding the interval, and does so forever where that changes nothing.
-    static bool canBeDivided(double min, double max)
-    {
-        constexpr double largest = 1e300;
-        constexpr double narrowest = 1e-12;
-        const double magnitude = std::max(std::abs(min), std::abs(max));
-        return magnitude < largest && std::abs(max - min) > narrowest * magnitude;
-    }
-
     vtkSmartPointer<vtkAxis> m_axis;
     bool m_useCustom = false;
 };

@@ -1,5 +1,7 @@
 #include <dataviews/common/charts/ChartXY.h>
+#include <dataviews/common/charts/axisRange.h>
 
+#include <dataviews/platform/data/makeNiceNumber.h>
 #include <dataviews/platform/serialize/Serializer.h>
 
 #include <vtkAxis.h>
@@ -14,6 +16,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
 
 namespace {
 
@@ -72,9 +75,27 @@ bool ChartXY::Paint(vtkContext2D* painter)
         moveLegendsWithSize();
     }
     if (GetVisible() && GetScene() != nullptr && (hasVisiblePlot() || GetRenderEmpty())) {
+        keepAxesDivisible();
         settleTransforms(painter);
     }
     return Superclass::Paint(painter);
+}
+
+bool ChartXY::MouseMoveEvent(const vtkContextMouseEvent& event)
+{
+    // VTK marks the scene for painting at every such move, for the tool tip that may come or go.
+    if (event.GetButton() == vtkContextMouseEvent::NO_BUTTON && GetTooltip() == nullptr) {
+        return true;
+    }
+    return Superclass::MouseMoveEvent(event);
+}
+
+bool ChartXY::MouseWheelEvent(const vtkContextMouseEvent& event, int delta)
+{
+    const bool isHandled = Superclass::MouseWheelEvent(event, delta);
+    // Many turns may come before the next picture, and each makes new ticks.
+    keepAxesDivisible();
+    return isHandled;
 }
 
 bool ChartXY::MouseButtonReleaseEvent(const vtkContextMouseEvent& event)
@@ -93,6 +114,11 @@ bool ChartXY::MouseButtonReleaseEvent(const vtkContextMouseEvent& event)
     }
     if (event.GetButton() == Actions.Select()) {
         clearSelectionsOfSkippedPlots();
+    }
+    if (event.GetButton() == Actions.Zoom() && !canZoomUpTo(event.GetPos())) {
+        // VTK takes this for a still click.
+        release.SetPos(vtkVector2f(MouseBox.GetX(), MouseBox.GetY()));
+        GetScene()->SetDirty(true);
     }
     return Superclass::MouseButtonReleaseEvent(release);
 }
@@ -231,6 +257,87 @@ void ChartXY::moveLegendsWithSize()
     }
 }
 
+void ChartXY::keepAxesDivisible()
+{
+    for (int index = 0; index < GetNumberOfAxes(); ++index) {
+        vtkAxis* axis = GetAxis(index);
+        const ValueRange_s<double> range = {axis->GetMinimum(), axis->GetMaximum()};
+        if (!canBeDivided(range)) {
+            const ValueRange_s<double> divisible = divisibleRange(range);
+            axis->SetRange(divisible.min, divisible.max);
+        }
+    }
+}
+
+void ChartXY::finishFit()
+{
+    for (const int index : {vtkAxis::BOTTOM, vtkAxis::LEFT}) {
+        vtkAxis* axis = GetAxis(index);
+        if (axis->GetBehavior() != vtkAxis::AUTO) {
+            continue;
+        }
+        // VTK turns the axis of a single negative value upside down.
+        if (axis->GetMinimum() > axis->GetMaximum()) {
+            axis->SetRange(axis->GetMaximum(), axis->GetMinimum());
+        }
+        const int coordinate = index == vtkAxis::BOTTOM ? 0 : 1;
+        const float length = axis->GetPoint2()[coordinate] - axis->GetPoint1()[coordinate];
+        const ValueRange_s<double> data = dataRange(coordinate);
+        if (m_fitMargin <= 0.0F || length <= 2.0F * m_fitMargin || axis->GetLogScale()
+            || data.min > data.max) {
+            continue;
+        }
+        const double margin = (axis->GetMaximum() - axis->GetMinimum())
+            * static_cast<double>(m_fitMargin) / static_cast<double>(length);
+        const double step = makeNiceNumber(margin);
+        if (!(step > 0.0)) {
+            continue;
+        }
+        if (data.min - margin < axis->GetMinimum()) {
+            axis->SetMinimum(std::floor((data.min - margin) / step) * step);
+        }
+        if (data.max + margin > axis->GetMaximum()) {
+            axis->SetMaximum(std::ceil((data.max + margin) / step) * step);
+        }
+    }
+}
+
+ValueRange_s<double> ChartXY::dataRange(int coordinate)
+{
+    ValueRange_s<double> range = {
+        std::numeric_limits<double>::infinity(), -std::numeric_limits<double>::infinity()};
+    for (vtkIdType index = 0; index < GetNumberOfPlots(); ++index) {
+        vtkPlot* plot = GetPlot(index);
+        double bounds[4] = {0.0, -1.0, 0.0, -1.0};
+        if (plot->GetVisible()) {
+            plot->GetBounds(bounds);
+        }
+        if (bounds[2 * coordinate] <= bounds[2 * coordinate + 1]) {
+            range.min = std::min(range.min, bounds[2 * coordinate]);
+            range.max = std::max(range.max, bounds[2 * coordinate + 1]);
+        }
+    }
+    return range;
+}
+
+bool ChartXY::canZoomUpTo(const vtkVector2f& corner)
+{
+    for (int index = 0; index < GetNumberOfAxes(); ++index) {
+        vtkAxis& axis = *GetAxis(index);
+        const int along = index == vtkAxis::BOTTOM || index == vtkAxis::TOP ? 0 : 1;
+        const float start = axis.GetPoint1()[along];
+        const double length = axis.GetPoint2()[along] - start;
+        const double range = axis.GetMaximum() - axis.GetMinimum();
+        const auto valueAt = [&](double place) {
+            return axis.GetMinimum() + range * (place - start) / length;
+        };
+        if (!canBeDivided({valueAt(MouseBox[along]), valueAt(corner[along])})) {
+            return false;
+        }
+    }
+    return true;
+}
+
 void ChartXY::settleTransforms(vtkContext2D* painter)
 {
     // For data far from zero the chart shifts the coordinates of its plots. Within one frame VTK has the plots make
@@ -250,6 +357,8 @@ void ChartXY::settleTransforms(vtkContext2D* painter)
     Update();
     UpdateLayout(painter);
     RecalculatePlotBounds();
+    finishFit();
+    keepAxesDivisible();
     UpdateLayout(painter);
     RecalculatePlotTransforms();
 }

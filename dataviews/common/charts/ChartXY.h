@@ -2,6 +2,8 @@
 
 #include <dataviews/common/charts/ChartsExport.h>
 
+#include <dataviews/platform/property/ValueRange_s.h>
+
 #include <vtkChartXY.h>
 #include <vtkSmartPointer.h>
 
@@ -15,6 +17,9 @@ class vtkChartLegend;
 /// New legends are stacked from the top-right corner leftwards. A legend that grows or shrinks keeps its top-right
 /// corner, none leaves the chart, and one that the user drags elsewhere stays there. While settings are being read
 /// (Serializer::isInMiddleOfDeserialization()) no legend is touched.
+///
+/// Axes whose range VTK cannot draw get the closest one that it can (divisibleRange()) before they are painted;
+/// the user cannot zoom in any further.
 ///
 /// A click counts as a square of 10 × 10 pixels around it, except with the button that zooms. Keyboard modifiers are
 /// kept from VTK's own arithmetic on selections: the plots hold exactly what was picked when the selection event
@@ -38,8 +43,18 @@ public:
     /// only kept inside.
     void setLegendsFollowSize(bool follow) { m_legendsFollowSize = follow; }
 
+    /// How far points stay from the ends of axes that are fitted to the data, in pixels; 0 at first, which puts the
+    /// outermost ones upon the ends if these are round numbers.
+    void setFitMargin(float pixels) { m_fitMargin = pixels; }
+
     void Update() override;
     bool Paint(vtkContext2D* painter) override;
+
+    /// Without a button pressed and without a tool tip of the chart's own, a move changes nothing in the picture, and
+    /// nothing is painted anew.
+    bool MouseMoveEvent(const vtkContextMouseEvent& event) override;
+
+    bool MouseWheelEvent(const vtkContextMouseEvent& event, int delta) override;
     bool MouseButtonReleaseEvent(const vtkContextMouseEvent& event) override;
 
     /// The second click of two quick ones is a click like any other.
@@ -71,6 +86,10 @@ private:
     void ensureLegendIsWithinChartViewport(vtkChartLegend& legend, const vtkRectf& rect);
     void detectIfLegendWasMoved(LegendAndItsDimensions& record);
     void moveLegendsWithSize();
+    void keepAxesDivisible();
+    [[nodiscard]] bool canZoomUpTo(const vtkVector2f& corner);
+    void finishFit();
+    [[nodiscard]] ValueRange_s<double> dataRange(int coordinate);
     void settleTransforms(vtkContext2D* painter);
     [[nodiscard]] bool hasVisiblePlot();
     void clearSelectionsOfSkippedPlots();
@@ -78,5 +97,6 @@ private:
     std::vector<LegendAndItsDimensions> m_legends;
     vtkContext2D* m_painter = nullptr; ///< of the last Paint()
     bool m_legendsFollowSize = false;
+    float m_fitMargin = 0.0F;
     std::pair<float, float> m_paintedSize = {0.0F, 0.0F}; ///< of the chart, at the last Paint()
 };

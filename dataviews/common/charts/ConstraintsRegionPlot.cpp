@@ -158,6 +158,12 @@ void ConstraintsRegionPlot::updateLimits()
     }
 }
 
+void ConstraintsRegionPlot::setShade(const ColorBytes& color)
+{
+    m_implementation->brush->SetColor(color[0], color[1], color[2], 255);
+    Modified();
+}
+
 bool ConstraintsRegionPlot::Paint(vtkContext2D* painter)
 {
     if (XAxis != nullptr && YAxis != nullptr) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <dataviews/common/charts/ChartsExport.h>
+#include <dataviews/common/charts/ColorPalette.h>
 #include <dataviews/common/views/PropertyAbstract.h>
 
 #include <dataviews/platform/data/WeakPtr.h>
@@ -38,6 +39,9 @@ public:
 
     ConstraintsRegionPlot(const ConstraintsRegionPlot&) = delete;
     ConstraintsRegionPlot& operator=(const ConstraintsRegionPlot&) = delete;
+
+    /// The color of the shades, opaque; a light beige at first, for light backgrounds.
+    void setShade(const ColorBytes& color);
 
     /// Paints nothing while the plot has no axes or one of them shows no range: one whose minimum is
     /// not below its maximum, or whose ends are no numbers or too large for the painter.

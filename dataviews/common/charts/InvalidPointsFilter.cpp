@@ -18,6 +18,9 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
 #include <optional>
 #include <utility>
 
@@ -51,9 +54,12 @@ void keepValues(vtkAOSDataArrayTemplate<Value>& column, RowBitmap& rows, Predica
     }
 }
 
+// Not functions: the passes over the columns are to have them in line.
+constexpr auto isThere = [](double value) { return !std::isnan(value); };
+constexpr auto isValid = [](char mark) { return mark != 0; };
+
 void dropMissing(vtkDataArray& column, RowBitmap& rows)
 {
-    const auto isThere = [](double value) { return !std::isnan(value); };
     if (auto* plain = vtkAOSDataArrayTemplate<double>::FastDownCast(&column)) {
         keepValues(*plain, rows, isThere);
     } else {
@@ -84,15 +90,73 @@ std::optional<std::vector<vtkDataArray*>> columnsToCheck(
     return columns;
 }
 
+/// Block by block, and in a form that the compiler turns into comparisons of several values at a time.
+bool isAnyMissing(const double* values, std::size_t count)
+{
+    constexpr std::size_t blockSize = 512;
+    const std::size_t inBlocks = count - count % blockSize;
+    for (std::size_t block = 0; block < inBlocks; block += blockSize) {
+        const double* four = values + block;
+        std::uint64_t found = 0;
+        for (std::size_t i = 0; i < blockSize; i += 4, four += 4) {
+            // Two values are unordered if either is NaN.
+            const std::uint64_t even = std::isunordered(four[0], four[2]) ? 1 : 0;
+            const std::uint64_t odd = std::isunordered(four[1], four[3]) ? 1 : 0;
+            found |= even | odd;
+        }
+        if (found != 0) {
+            return true;
+        }
+    }
+    return !std::all_of(values + inBlocks, values + count, isThere);
+}
+
+/// The values of \p column if they lie in memory one after the other, else null.
+template <class Value>
+const Value* plainValues(vtkDataArray& column)
+{
+    auto* plain = vtkAOSDataArrayTemplate<Value>::FastDownCast(&column);
+    return plain != nullptr && plain->GetNumberOfComponents() == 1 ? plain->GetPointer(0) : nullptr;
+}
+
+vtkCharArray* marksOf(vtkTable& table)
+{
+    return vtkCharArray::SafeDownCast(
+        table.GetColumnByName(InvalidPointsFilter::validPointsArrayName.c_str()));
+}
+
+/// Whether it takes no more than a look to see that no row is to be left out. This is the common case, and the look costs
+/// less than a bitmap.
+bool areAllDrawable(vtkTable& table, const std::vector<vtkDataArray*>& checked)
+{
+    const auto rowCount = static_cast<std::size_t>(table.GetNumberOfRows());
+    const bool isNoneMissing =
+        std::all_of(checked.begin(), checked.end(), [rowCount](vtkDataArray* column) {
+            const auto* values = plainValues<double>(*column);
+            return values != nullptr && !isAnyMissing(values, rowCount);
+        });
+    if (!isNoneMissing) {
+        return false;
+    }
+    vtkCharArray* marks = marksOf(table);
+    if (marks == nullptr) {
+        return true;
+    }
+    const char* values = plainValues<char>(*marks);
+    return values != nullptr && std::memchr(values, 0, rowCount) == nullptr;
+}
+
 RowBitmap drawableRows(vtkTable& table, const std::vector<vtkDataArray*>& checked)
 {
     RowBitmap rows(static_cast<std::size_t>(table.GetNumberOfRows()), true);
+    if (areAllDrawable(table, checked)) {
+        return rows;
+    }
     for (vtkDataArray* column : checked) {
         dropMissing(*column, rows);
     }
-    if (auto* mask = vtkCharArray::SafeDownCast(
-            table.GetColumnByName(InvalidPointsFilter::validPointsArrayName.c_str()))) {
-        keepValues(*mask, rows, [](char value) { return value != 0; });
+    if (vtkCharArray* marks = marksOf(table)) {
+        keepValues(*marks, rows, isValid);
     }
     return rows;
 }
@@ -109,7 +173,8 @@ template <class Value>
 void takeMemory(vtkAOSDataArrayTemplate<Value>& column, vtkDataArray* used, vtkIdType valueCount)
 {
     auto* memory = vtkAOSDataArrayTemplate<Value>::FastDownCast(used);
-    if (memory == nullptr) {
+    // The names of components would come with the memory, and cannot be taken away again.
+    if (memory == nullptr || memory->HasAComponentName()) {
         return;
     }
     vtkBuffer<Value>& buffer = *(memory->*(&OpenArray<Value>::Buffer));

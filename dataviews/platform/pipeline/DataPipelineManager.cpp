@@ -53,7 +53,13 @@ DataPipelineManager::~DataPipelineManager()
 
 void DataPipelineManager::addFilter(const boost::shared_ptr<FilterInterface>& filter)
 {
-    Q_ASSERT_X(filter != nullptr, "DataPipelineManager::addFilter", "there is no filter");
+    insertFilter(filter, m_entries.size());
+}
+
+void DataPipelineManager::insertFilter(
+    const boost::shared_ptr<FilterInterface>& filter, std::size_t place)
+{
+    Q_ASSERT_X(filter != nullptr, "DataPipelineManager::insertFilter", "there is no filter");
     const WeakPtr<Variable> variable = filter->variable();
     if (!isBound(*filter, m_project)) {
         throw ExceptionBase(
@@ -77,7 +83,9 @@ void DataPipelineManager::addFilter(const boost::shared_ptr<FilterInterface>& fi
     // By reference: a slot that held the filter, which holds the slot, would keep both for ever.
     entry->connections.add(filter->signalFilterChanged.connect(
         [this, &changed = *filter] { updateAfterFilterChange(changed); }));
-    m_entries.push_back(std::move(entry));
+    m_entries.insert(
+        m_entries.begin() + static_cast<std::ptrdiff_t>(std::min(place, m_entries.size())),
+        std::move(entry));
     if (filter->isEnabled()) {
         invalidate();
     }

@@ -38,16 +38,22 @@ public:
     /// is not in the project, or if it is a range filter and its variable has one, inverted or not.
     void addFilter(const boost::shared_ptr<FilterInterface>& filter);
 
+    /// The same, but in front of the filter at \p place, counted from 0, or behind all for a place beyond the last.
+    void insertFilter(const boost::shared_ptr<FilterInterface>& filter, std::size_t place);
+
     /// Does nothing for a filter that is not there.
     void removeFilter(const boost::shared_ptr<FilterInterface>& filter);
 
-    /// All filters in the order of adding, those that are not enabled too.
+    /// All filters in order, those that are not enabled too.
     [[nodiscard]] std::vector<boost::shared_ptr<FilterInterface>> filters() const;
 
     /// Runs \p changes, which may add, remove and change any number of filters, and notifies once at the
     /// end, also when \p changes throws, and not at all if nothing changed. Calls may be nested: the
     /// outermost one notifies. Passing rows and output are up to date at any time within.
     void changeTogether(const std::function<void()>& changes);
+
+    /// The project whose cases are filtered.
+    [[nodiscard]] Project& project() const { return m_project; }
 
     /// The rows of the cases that pass all filters in force; valid until the next change.
     [[nodiscard]] const RowBitmap& passingRows() const;

@@ -152,6 +152,18 @@ TEST_F(DataPipelineManagerTest, FindsTheRangeFilterOfAVariableFirst)
     EXPECT_EQ(m_manager->filtersInForce(), (Filters{values, m_tag, m_range}));
 }
 
+TEST_F(DataPipelineManagerTest, PutsAFilterWhereItIsAskedTo)
+{
+    m_manager->insertFilter(m_range, 5);
+    m_manager->insertFilter(m_set, 0);
+    m_manager->insertFilter(m_tag, 1);
+    EXPECT_EQ(m_manager->filters(), (Filters{m_set, m_tag, m_range}));
+    expectCounts(3, 1);
+
+    EXPECT_THROW(m_manager->insertFilter(m_tag, 0), ExceptionBase);
+    EXPECT_EQ(m_manager->filters(), (Filters{m_set, m_tag, m_range}));
+}
+
 TEST_F(DataPipelineManagerTest, RefusesWhatDoesNotFit)
 {
     m_manager->addFilter(m_range);

@@ -1,0 +1,9 @@
+#include <dataviews/common/charts/RingedPlotPoints.h>
+
+#include <vtkObjectFactory.h>
+
+vtkStandardNewMacro(RingedPlotPoints)
+
+    RingedPlotPoints::RingedPlotPoints() = default;
+
+RingedPlotPoints::~RingedPlotPoints() = default;
