@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <charconv>
+#include <limits>
 #include <system_error>
 
 namespace analyzer {
@@ -89,6 +90,41 @@ std::vector<std::pair<unsigned long long, unsigned long long>> parseSelection(
     return ranges;
 }
 
+/// "0.1..0.3", "0.1..", "..0.3" or "..".
+std::optional<ValueRange_s<double>> readRange(std::string_view text)
+{
+    constexpr std::string_view dots = "..";
+    constexpr double infinity = std::numeric_limits<double>::infinity();
+    const auto readEnd = [](std::string_view end, double open) {
+        return end.empty() ? std::optional<double>(open) : readNumber<double>(end);
+    };
+    // A number may begin or end with a point: "1...5" has two places that look like the middle.
+    for (std::size_t middle = text.find(dots); middle != std::string_view::npos;
+         middle = text.find(dots, middle + 1)) {
+        const std::optional<double> min = readEnd(text.substr(0, middle), -infinity);
+        const std::optional<double> max = readEnd(text.substr(middle + dots.size()), infinity);
+        if (min && max) {
+            return ValueRange_s<double>{*min, *max};
+        }
+    }
+    return std::nullopt;
+}
+
+CommandLine::Filter parseFilter(const std::string& text)
+{
+    // Behind the last sign that has a range: names of variables hold any sign.
+    const std::string_view view = text;
+    for (std::size_t equals = text.rfind('='); equals != std::string::npos && equals > 0;
+         equals = text.rfind('=', equals - 1)) {
+        if (const auto range = readRange(view.substr(equals + 1))) {
+            return {text.substr(0, equals), *range};
+        }
+    }
+    throw UsageError(
+        "--filter takes VAR=MIN..MAX, as in Drag=0.1..0.3, where MIN or MAX may be left out; \""
+        + text + "\" is not of that form.");
+}
+
 QSize parseSize(const std::string& text)
 {
     constexpr int largest = 16384;
@@ -165,6 +201,8 @@ CommandLine CommandLine::parse(const std::vector<std::string>& arguments)
             const auto ranges = parseSelection(value());
             commandLine.selection.insert(commandLine.selection.end(), ranges.begin(), ranges.end());
             commandLine.hasSelection = true;
+        } else if (option == "--filter") {
+            commandLine.filters.push_back(parseFilter(value()));
         } else if (option == "--size") {
             commandLine.size = parseSize(value());
         } else if (option == "--screenshot") {
@@ -177,10 +215,10 @@ CommandLine CommandLine::parse(const std::vector<std::string>& arguments)
         }
     }
 
-    const bool needsStudy =
-        commandLine.info || commandLine.hasSelection || !commandLine.assignments.empty();
+    const bool needsStudy = commandLine.info || commandLine.hasSelection
+        || !commandLine.assignments.empty() || !commandLine.filters.empty();
     if (needsStudy && commandLine.study.empty() && !commandLine.help && !commandLine.version) {
-        throw UsageError("--info, --set and --select need a study.");
+        throw UsageError("--info, --set, --select and --filter need a study.");
     }
     return commandLine;
 }
@@ -201,6 +239,10 @@ std::string CommandLine::helpText()
         "are several:\n"
         "                              scatter2.x=Drag\n"
         "  --select IDS                select cases by ID: 3,7,20-40\n"
+        "  --filter VAR=MIN..MAX       show only cases whose VAR is in the range; MIN or MAX may "
+        "be "
+        "left out; can be\n"
+        "                              repeated for other variables\n"
         "  --size WxH                  the size of the window in pixels\n"
         "  --screenshot FILE.png       write a picture of the window, and leave\n"
         "  --help                      print this text, and leave\n"

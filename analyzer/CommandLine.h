@@ -1,6 +1,7 @@
 #pragma once
 
 #include <dataviews/platform/property/ExceptionBase.h>
+#include <dataviews/platform/property/ValueRange_s.h>
 
 #include <QSize>
 
@@ -30,12 +31,20 @@ struct CommandLine
         std::string value;
     };
 
+    /// One --filter: VAR=MIN..MAX.
+    struct Filter
+    {
+        std::string variable;
+        ValueRange_s<double> range; ///< as typed, with infinite ends for those left out
+    };
+
     std::string study; ///< empty if none is named
     bool help = false;
     bool version = false;
     bool info = false;
     std::vector<std::string> views; ///< kinds, in order
     std::vector<Assignment> assignments;
+    std::vector<Filter> filters;
     std::vector<std::pair<unsigned long long, unsigned long long>>
         selection; ///< ranges of case IDs, ends included
     bool hasSelection = false;

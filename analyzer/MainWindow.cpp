@@ -1,5 +1,8 @@
 #include <analyzer/MainWindow.h>
 #include <analyzer/StudyLoader.h>
+#include <analyzer/ViewFrame.h>
+#include <analyzer/filters/FilterList.h>
+#include <analyzer/panels/FiltersPanel.h>
 #include <analyzer/panels/SettingsPanel.h>
 #include <analyzer/study/studyInfo.h>
 #include <analyzer/views/AnalyzerViewInterface.h>
@@ -84,6 +87,7 @@ QAction* makeAction(
 MainWindow::MainWindow()
     : m_selection(boost::make_shared<SelectionModel>())
     , m_pipeline(std::make_unique<DataPipelineManager>(Project::project()))
+    , m_filters(std::make_unique<FilterList>(*m_pipeline))
     , m_images(boost::make_shared<ImageCache>())
     , m_scaledImages(boost::make_shared<AsyncImageCache>())
     , m_hovered(boost::make_shared<HoveredCase>())
@@ -134,6 +138,8 @@ MainWindow::~MainWindow()
     m_connections.clear();
     closeViews();
     UndoStack::history().clear();
+    // Before the filters that it shows.
+    delete m_filtersPanel;
 }
 
 void MainWindow::openStudy(const QString& path)
@@ -175,7 +181,7 @@ boost::shared_ptr<AnalyzerViewInterface> MainWindow::addView(
     auto* dock = new QDockWidget(m_viewArea);
     dock->setObjectName(QStringLiteral("View%1").arg(++m_viewsMade));
     dock->setAttribute(Qt::WA_DeleteOnClose, false);
-    dock->setWidget(&view->widget());
+    dock->setWidget(new ViewFrame(view, m_selection, dock));
     dock->installEventFilter(this);
     if (m_views.empty()) {
         m_welcome->hide();
@@ -431,7 +437,7 @@ void MainWindow::buildMenus()
     tools->addActions(m_mouseModes->actions());
     tools->addAction(m_fit);
     tools->addSeparator();
-    tools->addActions(newViews.mid(0, 3));
+    tools->addActions(newViews.mid(0, 4));
 
     m_selectionActions = {all, none, invert};
     m_studyActions = QList<QAction*>{all, none, invert, m_showReport} + newViews;
@@ -447,6 +453,7 @@ QList<QAction*> MainWindow::buildViewMenu()
     m_viewMenu = menuBar()->addMenu(tr("&View"));
     const QList<QAction*> newViews = {
         add(tr("New &XY Chart"), tr("Ctrl+N"), [this] { addView("scatter"); }),
+        add(tr("New &Line Chart"), tr("Ctrl+L"), [this] { addView("line"); }),
         add(tr("New Case &Table"), tr("Ctrl+T"), [this] { addView("table"); }),
         add(tr("New Image &Matrix"), tr("Ctrl+M"), [this] { addView("images"); }),
         add(tr("New View of Selected &Images"), tr("Ctrl+Shift+M"), [this] {
@@ -515,8 +522,15 @@ void MainWindow::buildPanels()
     settingsDock->setObjectName(QStringLiteral("Settings"));
     settingsDock->setWidget(m_settings);
     addDockWidget(Qt::RightDockWidgetArea, settingsDock);
+    auto* filtersDock = new QDockWidget(tr("Filters"), this);
+    filtersDock->setObjectName(QStringLiteral("Filters"));
+    m_filtersPanel = new FiltersPanel(*m_filters, Project::project(), this);
+    filtersDock->setWidget(m_filtersPanel);
+    addDockWidget(Qt::RightDockWidgetArea, filtersDock);
+    resizeDocks({settingsDock, filtersDock}, {3, 2}, Qt::Vertical);
     m_viewMenu->addSeparator();
     m_viewMenu->addAction(settingsDock->toggleViewAction());
+    m_viewMenu->addAction(filtersDock->toggleViewAction());
 
     m_status = new QLabel(this);
     m_status->setObjectName(QStringLiteral("SelectionStatus"));
@@ -543,6 +557,7 @@ void MainWindow::takeStudy(const QString& path)
     UndoStack::history().clear();
     m_selection->setSelection({});
     m_report = study.report;
+    const std::size_t filterCount = m_filters->filters().size();
     Project::project().replaceStudy(*study.project);
 
     setWindowTitle(tr("%1 – DataViews").arg(QString::fromStdString(Project::project().name())));
@@ -553,10 +568,15 @@ void MainWindow::takeStudy(const QString& path)
     }
     updateActions();
     updateStatus();
+    QStringList remarks;
     if (m_report.refusedLineCount > 0 || !m_report.notes.empty()) {
-        statusBar()->showMessage(
-            tr("The study was opened with remarks: File ▸ Study Information."), 10000);
+        remarks += tr("The study was opened with remarks: File ▸ Study Information.");
     }
+    if (filterCount > 0) {
+        remarks += tr("The filters of the former study are gone.");
+    }
+    constexpr int remarkTime = 10000; // milliseconds
+    statusBar()->showMessage(remarks.join(QStringLiteral(" ")), remarkTime);
     Q_EMIT studyOpened(path);
 }
 
@@ -580,7 +600,7 @@ void MainWindow::closeView(QDockWidget* dock)
         setActiveView(
             m_views.empty() ? boost::shared_ptr<AnalyzerViewInterface>() : m_views.back().view);
     }
-    closed.dock->setWidget(nullptr);
+    closed.view->widget().setParent(nullptr); // the view's own
     delete closed.dock;
     m_welcome->setVisible(m_views.empty());
     updateActions();
@@ -593,7 +613,10 @@ void MainWindow::nameDock(const AnalyzerViewInterface* view)
         return;
     }
     const std::map<std::string, QString> kinds{
-        {"table", tr("Table")}, {"images", tr("Images")}, {"selected-image", tr("Image")}};
+        {"line", tr("Lines")},
+        {"table", tr("Table")},
+        {"images", tr("Images")},
+        {"selected-image", tr("Image")}};
     const auto named = kinds.find(view->kind());
     const QString kind = named == kinds.end() ? tr("Chart") : named->second;
     const QString mark = found->view == m_active ? QStringLiteral("● ") : QString();

@@ -31,6 +31,8 @@ class SelectionModelInterface;
 namespace analyzer {
 
 class AnalyzerViewInterface;
+class FilterList;
+class FiltersPanel;
 class HoveredCase;
 class SettingsPanel;
 class StudyLoader;
@@ -73,6 +75,9 @@ public:
 
     /// \throws UsageError if there is no such view or property; ExceptionBase if the value is refused.
     void assign(const CommandLine::Assignment& assignment);
+
+    /// The filters that all views show the cases of.
+    [[nodiscard]] FilterList& filters() { return *m_filters; }
 
     /// The selection that all views share.
     [[nodiscard]] SelectionModelInterface& selection() { return *m_selection; }
@@ -139,6 +144,7 @@ private:
 
     boost::shared_ptr<SelectionModelInterface> m_selection;
     std::unique_ptr<DataPipelineManager> m_pipeline;
+    std::unique_ptr<FilterList> m_filters;
     boost::shared_ptr<ImageCache> m_images;
     boost::shared_ptr<AsyncImageCache> m_scaledImages;
     boost::shared_ptr<HoveredCase> m_hovered;
@@ -155,6 +161,7 @@ private:
         nullptr; ///< within the window, so that views and panels do not share their widths
     QLabel* m_welcome = nullptr;
     SettingsPanel* m_settings = nullptr;
+    FiltersPanel* m_filtersPanel = nullptr;
     QLabel* m_status = nullptr;
     QMenu* m_recentMenu = nullptr;
     QMenu* m_viewMenu = nullptr;

@@ -1,6 +1,7 @@
 #include <analyzer/AnalyzerApplication.h>
 #include <analyzer/CommandLine.h>
 #include <analyzer/MainWindow.h>
+#include <analyzer/filters/FilterList.h>
 #include <analyzer/runAnalyzer.h>
 #include <analyzer/study/ReadProgress.h>
 #include <analyzer/study/StudyReader.h>
@@ -144,8 +145,8 @@ int runWindow(const CommandLine& commandLine)
 
     const bool isScript = !commandLine.screenshot.empty();
     // A wrong call ends the program; a study that cannot be opened does so only where nobody sits at the window.
-    const bool mustSucceed =
-        isScript || !commandLine.assignments.empty() || commandLine.hasSelection;
+    const bool mustSucceed = isScript || !commandLine.assignments.empty()
+        || !commandLine.filters.empty() || commandLine.hasSelection;
     if (!commandLine.study.empty() && !mustSucceed) {
         window.openStudy(QString::fromStdString(commandLine.study));
     }
@@ -156,6 +157,9 @@ int runWindow(const CommandLine& commandLine)
         }
         {
             const UndoStack::SuspendUndoRecording noRecording;
+            for (const CommandLine::Filter& filter : commandLine.filters) {
+                window.filters().addRangeFilter(filter.variable, filter.range);
+            }
             for (const CommandLine::Assignment& assignment : commandLine.assignments) {
                 window.assign(assignment);
             }

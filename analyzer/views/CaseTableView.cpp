@@ -2,6 +2,7 @@
 #include <analyzer/views/CaseTableSelection.h>
 #include <analyzer/views/CaseTableView.h>
 #include <analyzer/views/CaseTableWidget.h>
+#include <analyzer/views/filteredOutCases.h>
 
 #include <dataviews/common/views/DataViewVisitorInterface.h>
 
@@ -33,12 +34,13 @@ vtkSmartPointer<vtkTable> snapshot(const DataPipelineManagerInterface& pipeline)
 
 CaseTableView::CaseTableView(
     const DataPipelineManagerInterface& pipeline,
-    boost::shared_ptr<SelectionModelInterface> selectionModel)
+    boost::shared_ptr<SelectionModelInterface> selectionModel,
+    boost::shared_ptr<HoveredCase> hovered)
     : DataViewAbstract(std::make_unique<Serializer>("TableView"), selectionModel)
     , m_pipeline(pipeline)
     , m_model(std::make_unique<CaseTableModel>())
     , m_selection(std::make_unique<CaseTableSelection>(*m_model, std::move(selectionModel)))
-    , m_widget(new CaseTableWidget(*m_model, *m_selection))
+    , m_widget(new CaseTableWidget(*m_model, *m_selection, std::move(hovered)))
 {
     takeTable();
     m_widget->setObjectName(QStringLiteral("CaseTable"));
@@ -112,6 +114,16 @@ boost::shared_ptr<corvane::PropertyAbstract<DataViewInterface::MouseMode>> CaseT
     return {};
 }
 
+std::vector<LeftOutCases> CaseTableView::leftOut() const
+{
+    return filteredOut(m_pipeline);
+}
+
+std::set<unsigned long long> CaseTableView::leftOutCaseIDs() const
+{
+    return caseIDs(filteredOutRows(m_pipeline));
+}
+
 CaseTableWidget& CaseTableView::table() const
 {
     return *m_widget;
@@ -129,6 +141,7 @@ bool CaseTableView::caseIDAtPoint(unsigned long long& caseID)
 void CaseTableView::takeTable()
 {
     m_model->setTable(snapshot(m_pipeline));
+    emitLeftOutChanged();
 }
 
 } // namespace analyzer

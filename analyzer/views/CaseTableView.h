@@ -1,6 +1,7 @@
 #pragma once
 
 #include <analyzer/views/AnalyzerViewInterface.h>
+#include <analyzer/views/HoveredCase.h>
 #include <analyzer/views/TableViewInterface.h>
 
 #include <dataviews/common/views/DataViewAbstract.h>
@@ -10,10 +11,12 @@
 #include <QPointer>
 
 #include <boost/enable_shared_from_this.hpp>
+#include <boost/make_shared.hpp>
 #include <boost/shared_ptr.hpp>
 
 #include <memory>
 #include <optional>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -35,10 +38,11 @@ class CaseTableView
     , public boost::enable_shared_from_this<CaseTableView>
 {
 public:
-    /// \p pipeline outlives the view.
+    /// \p pipeline outlives the view. \p hovered is shared with other views.
     CaseTableView(
         const DataPipelineManagerInterface& pipeline,
-        boost::shared_ptr<SelectionModelInterface> selectionModel);
+        boost::shared_ptr<SelectionModelInterface> selectionModel,
+        boost::shared_ptr<HoveredCase> hovered = boost::make_shared<HoveredCase>());
     CaseTableView(const CaseTableView&) = delete;
     CaseTableView& operator=(const CaseTableView&) = delete;
     ~CaseTableView() override;
@@ -66,6 +70,9 @@ public:
     void resetXAxis() override {}
 
     void resetYAxis() override {}
+
+    [[nodiscard]] std::vector<LeftOutCases> leftOut() const override;
+    [[nodiscard]] std::set<unsigned long long> leftOutCaseIDs() const override;
 
     /// For tests.
     [[nodiscard]] CaseTableWidget& table() const;

@@ -1,6 +1,9 @@
 #include <analyzer/views/CaseTableDelegate.h>
 #include <analyzer/views/CaseTableModel.h>
 #include <analyzer/views/CaseTableWidget.h>
+#include <analyzer/views/CellHover.h>
+#include <analyzer/views/HoveredCase.h>
+#include <analyzer/views/hoverOutline.h>
 
 #include <QContextMenuEvent>
 #include <QFontMetrics>
@@ -8,12 +11,15 @@
 #include <QKeyEvent>
 #include <QKeySequence>
 #include <QMouseEvent>
+#include <QPaintEvent>
+#include <QPainter>
 #include <QScrollBar>
 #include <QSignalBlocker>
 #include <QStyle>
 #include <QTimerEvent>
 
 #include <algorithm>
+#include <utility>
 
 namespace analyzer {
 
@@ -33,10 +39,14 @@ constexpr int dragScrollDelayMs = 50;
 } // namespace
 
 CaseTableWidget::CaseTableWidget(
-    CaseTableModel& model, CaseTableSelection& selection, QWidget* parent)
+    CaseTableModel& model,
+    CaseTableSelection& selection,
+    boost::shared_ptr<HoveredCase> hovered,
+    QWidget* parent)
     : QTableView(parent)
     , m_model(model)
     , m_selection(selection)
+    , m_hovered(std::move(hovered))
 {
     setAccessibleName(tr("Cases"));
     setSelectionMode(QAbstractItemView::NoSelection);
@@ -91,12 +101,27 @@ CaseTableWidget::CaseTableWidget(
     m_connections.add(m_selection.signalRowsChanged.connect(
         [this](CaseTableSelection::Origin origin) { onRowsChanged(origin); }));
 
+    m_connections.add(
+        m_hovered->signalHoveredCaseChanged.connect([this] { hoveredCaseChanged(); }));
+    m_hover = std::make_unique<CellHover>(
+        *this, m_hovered, [this](const QPoint& place) -> std::optional<unsigned long long> {
+            const int viewRow = rowAt(place.y());
+            if (viewRow < 0 || columnAt(place.x()) < 0) {
+                return std::nullopt;
+            }
+            return m_model.cases().caseID(static_cast<std::size_t>(m_model.tableRow(viewRow)));
+        });
+
     fitColumns();
     showSorting();
     describeSelection();
 }
 
-CaseTableWidget::~CaseTableWidget() = default;
+CaseTableWidget::~CaseTableWidget()
+{
+    m_connections.clear();
+    m_hover.reset();
+}
 
 // ---- operations
 
@@ -414,6 +439,42 @@ void CaseTableWidget::describeSelection()
     setAccessibleDescription(tr("%1 of %2 cases selected")
                                  .arg(static_cast<qulonglong>(m_selection.count()))
                                  .arg(m_model.rowCount()));
+}
+
+// ---- the hovered case
+
+QRect CaseTableWidget::hoveredRowRect() const
+{
+    return rowRect(m_hovered->caseID()) & viewport()->rect();
+}
+
+void CaseTableWidget::paintEvent(QPaintEvent* event)
+{
+    QTableView::paintEvent(event);
+    const QRect row = rowRect(m_hovered->caseID());
+    if (row.intersects(event->rect())) {
+        QPainter painter(viewport());
+        drawHoverOutline(painter, row);
+    }
+}
+
+void CaseTableWidget::hoveredCaseChanged()
+{
+    viewport()->update(rowRect(m_outlinedCase));
+    m_outlinedCase = m_hovered->caseID();
+    viewport()->update(rowRect(m_outlinedCase));
+}
+
+/// As wide as what is visible; empty if there is no such row.
+QRect CaseTableWidget::rowRect(std::optional<unsigned long long> caseID) const
+{
+    const std::optional<int> viewRow = caseID ? viewRowOf(*caseID) : std::nullopt;
+    if (!viewRow) {
+        return {};
+    }
+    const int width =
+        std::min(horizontalHeader()->length() - horizontalHeader()->offset(), viewport()->width());
+    return {0, rowViewportPosition(*viewRow), width, rowHeight(*viewRow)};
 }
 
 void CaseTableWidget::showSorting()

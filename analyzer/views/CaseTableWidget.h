@@ -10,10 +10,16 @@
 #include <QString>
 #include <QTableView>
 
+#include <boost/shared_ptr.hpp>
+
 #include <map>
+#include <memory>
 #include <optional>
 
 namespace analyzer {
+
+class CellHover;
+class HoveredCase;
 
 /// The table of cases as people see and use it: mouse and keyboard gestures become operations of its selection.
 ///
@@ -24,6 +30,8 @@ namespace analyzer {
 /// empties the selection. A click on a header sorts ascending, descending, and not at all. Keyboard: the arrow keys,
 /// Page Up, Page Down, Home and End select the row they move to, with Shift all rows from where the selection
 /// began, with Ctrl none; Space takes the current row in or out; Select All selects every row.
+///
+/// The row under the mouse is the hovered case; the row of the hovered case has an outline.
 class CaseTableWidget : public QTableView
 {
     Q_OBJECT
@@ -31,7 +39,10 @@ class CaseTableWidget : public QTableView
 public:
     /// \p model and \p selection, which is one of \p model, outlive the widget. No other model is set later.
     CaseTableWidget(
-        CaseTableModel& model, CaseTableSelection& selection, QWidget* parent = nullptr);
+        CaseTableModel& model,
+        CaseTableSelection& selection,
+        boost::shared_ptr<HoveredCase> hovered,
+        QWidget* parent = nullptr);
     CaseTableWidget(const CaseTableWidget&) = delete;
     CaseTableWidget& operator=(const CaseTableWidget&) = delete;
     ~CaseTableWidget() override;
@@ -62,7 +73,11 @@ public:
     /// Does nothing: a search would make the text of every row.
     void keyboardSearch(const QString& search) override;
 
+    /// The place of the outlined row in the viewport; empty while the hovered case is not in sight.
+    [[nodiscard]] QRect hoveredRowRect() const;
+
 protected:
+    void paintEvent(QPaintEvent* event) override;
     void mousePressEvent(QMouseEvent* event) override;
     void mouseMoveEvent(QMouseEvent* event) override;
     void mouseReleaseEvent(QMouseEvent* event) override;
@@ -96,6 +111,7 @@ private:
     [[nodiscard]] bool isSelectionVisible() const;
     [[nodiscard]] int firstSelectedViewRow() const;
     void describeSelection();
+    void hoveredCaseChanged();
     void showSorting();
 
     void rememberPlace();
@@ -108,6 +124,7 @@ private:
     void setCurrentViewRow(int viewRow, int column);
     void setAnchor(int viewRow);
     [[nodiscard]] int anchorViewRow(int otherwise) const;
+    [[nodiscard]] QRect rowRect(std::optional<unsigned long long> caseID) const;
     [[nodiscard]] std::optional<int> viewRowOf(unsigned long long caseID) const;
     [[nodiscard]] int currentColumn() const;
 
@@ -119,6 +136,9 @@ private:
 
     CaseTableModel& m_model;
     CaseTableSelection& m_selection;
+    boost::shared_ptr<HoveredCase> m_hovered;
+    std::optional<unsigned long long> m_outlinedCase;
+    std::unique_ptr<CellHover> m_hover;
     SignalConnectionCollection m_connections;
 
     bool m_followsSelection = true;

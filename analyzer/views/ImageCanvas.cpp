@@ -1,4 +1,5 @@
 #include <analyzer/views/ImageCanvas.h>
+#include <analyzer/views/hoverOutline.h>
 
 #include <QAbstractTextDocumentLayout>
 #include <QContextMenuEvent>
@@ -247,7 +248,19 @@ void ImageCanvas::paintEvent(QPaintEvent* /*event*/)
     if (m_frame.isNull() || m_frame.size() != deviceSize()) {
         m_frame = drawnFrame();
     }
-    QPainter(this).drawPixmap(0, 0, m_frame);
+    QPainter painter(this);
+    painter.drawPixmap(0, 0, m_frame);
+    if (m_isOutlined) {
+        drawHoverOutline(painter, rect());
+    }
+}
+
+void ImageCanvas::setOutlined(bool isOutlined)
+{
+    if (isOutlined != m_isOutlined) {
+        m_isOutlined = isOutlined;
+        update();
+    }
 }
 
 QPixmap ImageCanvas::drawnFrame() const

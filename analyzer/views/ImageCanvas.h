@@ -31,6 +31,11 @@ public:
     /// Shows \p message in place of a picture.
     void setMessage(const QString& message);
 
+    /// Whether the picture is that of the hovered case: it has an outline then.
+    void setOutlined(bool isOutlined);
+
+    [[nodiscard]] bool isOutlined() const { return m_isOutlined; }
+
     [[nodiscard]] QSize sizeHint() const override { return {480, 360}; }
 
     [[nodiscard]] bool hasPicture() const { return !m_levels.empty(); }
@@ -102,6 +107,7 @@ private:
     QPointF
         m_center; ///< the place in the picture that is in the middle of the widget, while it is not fitting
     QPixmap m_frame; ///< what was drawn last; null if that is out of date
+    bool m_isOutlined = false;
     bool m_isDragging = false;
     QPoint m_dragPosition;
     int m_wheelAngle = 0; ///< not yet enough for a step

@@ -1,4 +1,6 @@
+#include <analyzer/views/CellHover.h>
 #include <analyzer/views/ChoiceSetting.h>
+#include <analyzer/views/HoveredCellDelegate.h>
 #include <analyzer/views/ImageMatrixView.h>
 #include <analyzer/views/NumberSetting.h>
 #include <analyzer/views/PageValueSetting.h>
@@ -6,6 +8,7 @@
 #include <analyzer/views/TagListSetting.h>
 #include <analyzer/views/VariableListSetting.h>
 #include <analyzer/views/VariableSetting.h>
+#include <analyzer/views/filteredOutCases.h>
 
 #include <dataviews/common/images/ImageFileLoaderInterface.h>
 #include <dataviews/common/images/ImageMatrixViewProperties.h>
@@ -91,8 +94,11 @@ boost::shared_ptr<VariableSetting> variableSetting(
 ImageMatrixView::ImageMatrixView(
     const DataPipelineManagerInterface& pipeline,
     const boost::shared_ptr<SelectionModelInterface>& selectionModel,
-    const boost::shared_ptr<ImageFileLoaderInterface>& loader)
+    const boost::shared_ptr<ImageFileLoaderInterface>& loader,
+    boost::shared_ptr<HoveredCase> hovered)
     : DataViewAbstract(std::make_unique<Serializer>("ImageMatrix"), selectionModel)
+    , m_pipeline(pipeline)
+    , m_hovered(std::move(hovered))
     , m_widget(new QWidget)
     , m_properties(boost::make_shared<Properties>())
     , m_loader(loader)
@@ -122,11 +128,15 @@ ImageMatrixView::ImageMatrixView(
     connect(&grid, &QAbstractItemView::doubleClicked, this, &ImageMatrixView::activate);
     buildSettings();
     watchTitle();
+    buildHover();
+    m_connections.add(m_pipeline.signalPipelineChanged.connect([this] { emitLeftOutChanged(); }));
 }
 
 ImageMatrixView::~ImageMatrixView()
 {
     m_connections.clear();
+    m_hoverConnections.clear();
+    m_hover.reset();
     m_images.reset();
     // The widget may have gone with its parent.
     delete m_widget.data();
@@ -146,6 +156,7 @@ void ImageMatrixView::resume()
     m_images->refresh();
     m_images->resume();
     emitTitleChanged();
+    emitLeftOutChanged();
 }
 
 QWidget& ImageMatrixView::widget()
@@ -208,6 +219,16 @@ boost::shared_ptr<corvane::PropertyAbstract<DataViewInterface::MouseMode>> Image
 boost::shared_ptr<corvane::PropertyAbstract<std::uint64_t>> ImageMatrixView::zoom() const
 {
     return m_properties->zoom();
+}
+
+std::vector<LeftOutCases> ImageMatrixView::leftOut() const
+{
+    return filteredOut(m_pipeline);
+}
+
+std::set<unsigned long long> ImageMatrixView::leftOutCaseIDs() const
+{
+    return caseIDs(filteredOutRows(m_pipeline));
 }
 
 void ImageMatrixView::addContextActions(QMenu& menu)
@@ -326,6 +347,47 @@ void ImageMatrixView::watchTitle()
     watch(m_properties->dimensionColumnsBy());
     watch(m_properties->dimensionPagesBy());
     watch(m_properties->pageValue());
+}
+
+void ImageMatrixView::buildHover()
+{
+    QImageTableView& grid = m_images->grid();
+    const ImageViewItemDelegate* former = &grid.imageDelegate();
+    grid.setImageDelegate(new HoveredCellDelegate(*m_images, m_hovered));
+    delete former;
+    m_hoverConnections.add(
+        m_hovered->signalHoveredCaseChanged.connect([this] { hoveredCaseChanged(); }));
+    m_hover = std::make_unique<CellHover>(
+        grid, m_hovered, [this](const QPoint& place) { return singleCaseAt(place); });
+}
+
+void ImageMatrixView::hoveredCaseChanged()
+{
+    if (!m_widget) {
+        return;
+    }
+    QImageTableView& grid = m_images->grid();
+    const auto paint = [this, &grid] {
+        for (const auto& [row, column] : m_outlinedCells) {
+            grid.update(grid.model()->index(row, column)); // nothing for a cell that is not there
+        }
+    };
+    paint();
+    const std::optional<unsigned long long> caseID = m_hovered->caseID();
+    m_outlinedCells =
+        caseID ? m_images->model().cellsContaining(*caseID) : std::vector<ImageTableModel::Cell>();
+    paint();
+}
+
+std::optional<unsigned long long> ImageMatrixView::singleCaseAt(const QPoint& place) const
+{
+    const QModelIndex index = m_images->grid().indexAt(place);
+    if (!index.isValid()) {
+        return std::nullopt;
+    }
+    const ImageTableModel::Cell cell(index.row(), index.column());
+    const ImageTableModel& model = m_images->model();
+    return model.caseCount(cell) == 1 ? std::optional(*model.caseIDs(cell).begin()) : std::nullopt;
 }
 
 void ImageMatrixView::openContextMenu(const QPoint& place)

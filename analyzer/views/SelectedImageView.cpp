@@ -49,9 +49,11 @@ QString fileName(const AuxFile& file)
 SelectedImageView::SelectedImageView(
     const DataPipelineManagerInterface& pipeline,
     boost::shared_ptr<SelectionModelInterface> selectionModel,
-    boost::shared_ptr<ImageCache> cache)
+    boost::shared_ptr<ImageCache> cache,
+    boost::shared_ptr<HoveredCase> hovered)
     : DataViewAbstract(std::make_unique<Serializer>("SelectedImage"), selectionModel)
     , m_pipeline(pipeline)
+    , m_hovered(std::move(hovered))
     , m_widget(new SelectedImageWidget)
     , m_list(Project::project())
     , m_loader(std::move(cache))
@@ -65,6 +67,7 @@ SelectedImageView::SelectedImageView(
         [this](const ProjectChange& change) { projectChanged(change); }));
     m_lastingConnections.add(m_loader.signalArrived.connect(
         [this](SelectedPicture& picture) { pictureArrived(picture); }));
+    m_lastingConnections.add(m_hovered->signalHoveredCaseChanged.connect([this] { showHover(); }));
     takeCases();
 }
 
@@ -322,6 +325,7 @@ void SelectedImageView::setCurrent(const WeakPtr<AuxFile>& file)
         return;
     }
     m_current = file;
+    showHover();
     emitTitleChanged();
 }
 
@@ -373,6 +377,15 @@ void SelectedImageView::pictureArrived(SelectedPicture& picture)
             .arg(
                 QDir::toNativeSeparators(QString::fromStdString(picture.path)),
                 QString::fromStdString(picture.problem)));
+}
+
+void SelectedImageView::showHover()
+{
+    const boost::shared_ptr<AuxFile> file = m_current.lock();
+    if (m_widget) {
+        m_widget->canvas().setOutlined(
+            file && m_hovered->caseID() == Project::project().caseID(file->row()));
+    }
 }
 
 void SelectedImageView::zoomChanged()

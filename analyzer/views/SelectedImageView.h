@@ -1,6 +1,7 @@
 #pragma once
 
 #include <analyzer/views/AnalyzerViewInterface.h>
+#include <analyzer/views/HoveredCase.h>
 #include <analyzer/views/SelectedImageList.h>
 #include <analyzer/views/SelectedImageLoader.h>
 #include <analyzer/views/SelectedImageViewInterface.h>
@@ -15,6 +16,7 @@
 #include <QTimer>
 
 #include <boost/enable_shared_from_this.hpp>
+#include <boost/make_shared.hpp>
 #include <boost/shared_ptr.hpp>
 
 #include <cstddef>
@@ -36,7 +38,7 @@ class SelectedImageWidget;
 /// The images are those of the selected cases that pass the filters, in ascending order of the case IDs, each case's
 /// in the order of the study. When the selection or the filters change, the image that is shown stays as long as it is
 /// among them; else the first one is shown. Pictures are read in the background; until one has come, the one before
-/// stays for a moment. Owned through a shared pointer; its widget belongs to the parent that it was given, or to the
+/// stays for a moment. The image of the hovered case has an outline. Owned through a shared pointer; its widget belongs to the parent that it was given, or to the
 /// view without one.
 class SelectedImageView
     : public DataViewAbstract
@@ -45,11 +47,12 @@ class SelectedImageView
     , public boost::enable_shared_from_this<SelectedImageView>
 {
 public:
-    /// \p pipeline outlives the view.
+    /// \p pipeline outlives the view. \p hovered is shared with other views.
     SelectedImageView(
         const DataPipelineManagerInterface& pipeline,
         boost::shared_ptr<SelectionModelInterface> selectionModel,
-        boost::shared_ptr<ImageCache> cache);
+        boost::shared_ptr<ImageCache> cache,
+        boost::shared_ptr<HoveredCase> hovered = boost::make_shared<HoveredCase>());
     SelectedImageView(const SelectedImageView&) = delete;
     SelectedImageView& operator=(const SelectedImageView&) = delete;
     ~SelectedImageView() override;
@@ -110,8 +113,10 @@ private:
     void projectChanged(const ProjectChange& change);
     void pictureArrived(SelectedPicture& picture);
     void zoomChanged();
+    void showHover();
 
     const DataPipelineManagerInterface& m_pipeline;
+    boost::shared_ptr<HoveredCase> m_hovered;
     QPointer<SelectedImageWidget> m_widget;
     SelectedImageList m_list;
     SelectedImageLoader m_loader;

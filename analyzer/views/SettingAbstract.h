@@ -16,7 +16,7 @@
 
 namespace analyzer {
 
-/// What every setting is made of: its names, and when it has an effect. \p Interface is the interface of its kind.
+/// What every setting is made of: its names, its section, and when it has an effect. \p Interface is the interface of its kind.
 template <class Interface>
 class SettingAbstract : public Interface
 {
@@ -29,6 +29,11 @@ public:
     [[nodiscard]] std::string name() const override { return m_name; }
 
     [[nodiscard]] std::string label() const override { return m_label; }
+
+    [[nodiscard]] std::string section() const override { return m_section; }
+
+    /// Before the setting is shown; \p section may be empty.
+    void setSection(std::string section) { m_section = std::move(section); }
 
     /// Whether the conditions of enableWhile() are met.
     [[nodiscard]] bool isEnabled() const override
@@ -52,6 +57,7 @@ public:
 private:
     std::string m_name;
     std::string m_label;
+    std::string m_section;
     std::vector<boost::function<bool()>> m_conditions;
     SignalConnectionCollection m_conditionConnections;
 };

@@ -19,6 +19,7 @@ public:
         Choice, ///< one of choices()
         Switch, ///< one of choices(), which are "on" and "off"
         Number, ///< a whole number in a range; a NumberSettingInterface
+        Real, ///< a real number that is typed; a RealSettingInterface
         List, ///< any of choices(); a ListSettingInterface
         Steps ///< one of choices(), which are in order and maybe many; a StepsSettingInterface
     };
@@ -38,6 +39,10 @@ public:
 
     /// For people: "X axis".
     [[nodiscard]] virtual std::string label() const = 0;
+
+    /// For people: the heading that the setting stands under, together with those before and behind it that have the
+    /// same one: "X axis". Empty for none.
+    [[nodiscard]] virtual std::string section() const { return {}; }
 
     /// The texts that can be set now; none for numbers.
     [[nodiscard]] virtual std::vector<std::string> choices() const = 0;

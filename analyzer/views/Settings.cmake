@@ -4,6 +4,7 @@ list(
     ListSettingAbstract.cpp
     NumberSetting.cpp
     PageValueSetting.cpp
+    RealSetting.cpp
     TagGroupListSetting.cpp
     TagListSetting.cpp
     VariableListSetting.cpp

@@ -1,5 +1,6 @@
 #include <analyzer/views/CaseTableView.h>
 #include <analyzer/views/ImageMatrixView.h>
+#include <analyzer/views/LinePlotView.h>
 #include <analyzer/views/ScatterPlotView.h>
 #include <analyzer/views/SelectedImageView.h>
 #include <analyzer/views/ViewServices.h>
@@ -14,15 +15,34 @@
 
 namespace analyzer {
 
+namespace {
+
+const std::string axisHelp =
+    "x-min, x-max, x-grid (on, off), x-spacing, y-min, y-max, y-grid, y-spacing, point-size (1 to "
+    "40), "
+    "opacity (0 to 100), filtered-out (hidden, gray), mouse-mode (select, pan, zoom)";
+
+} // namespace
+
 std::vector<std::string> viewKinds()
 {
-    return {"scatter", "table", "images", "selected-image"};
+    return {"scatter", "line", "table", "images", "selected-image"};
 }
 
 std::string viewKindHelp(const std::string& kind)
 {
     if (kind == "scatter") {
-        return "x, y (numeric variables), legend (on, off), mouse-mode (select, pan, zoom)";
+        return "x, y (numeric variables), color (variable, or (none)), palette (viridis, cividis, "
+               "coolwarm), "
+               "legend, color-legend (on, off), color-range (automatic, own), color-min, "
+               "color-max, labels (3 to 40), "
+            + axisHelp;
+    }
+    if (kind == "line") {
+        return "x, y (numeric variables), color (the variable of the series, or (none)), palette "
+               "(viridis, cividis, "
+               "coolwarm), line-width (1 to 20), legend (on, off), "
+            + axisHelp;
     }
     if (kind == "images") {
         return "row, column, page (variables, or (all)), rows-by, columns-by (variable, tag), "
@@ -40,18 +60,25 @@ boost::shared_ptr<AnalyzerViewInterface> makeView(
     const std::string& kind, const ViewServices& services)
 {
     if (kind == "scatter") {
-        return boost::make_shared<ScatterPlotView>(services.pipeline, services.selection);
+        return boost::make_shared<ScatterPlotView>(services);
+    }
+    if (kind == "line") {
+        return boost::make_shared<LinePlotView>(services);
     }
     if (kind == "images") {
         return boost::make_shared<ImageMatrixView>(
-            services.pipeline, services.selection, services.scaledImages->imageLoader());
+            services.pipeline,
+            services.selection,
+            services.scaledImages->imageLoader(),
+            services.hovered);
     }
     if (kind == "selected-image") {
         return boost::make_shared<SelectedImageView>(
-            services.pipeline, services.selection, services.images);
+            services.pipeline, services.selection, services.images, services.hovered);
     }
     Q_ASSERT_X(kind == "table", "makeView", "there is no such kind of view");
-    return boost::make_shared<CaseTableView>(services.pipeline, services.selection);
+    return boost::make_shared<CaseTableView>(
+        services.pipeline, services.selection, services.hovered);
 }
 
 } // namespace analyzer

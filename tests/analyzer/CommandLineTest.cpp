@@ -2,6 +2,9 @@
 
 #include <gtest/gtest.h>
 
+#include <cmath>
+#include <limits>
+
 using analyzer::CommandLine;
 using analyzer::UsageError;
 
@@ -53,6 +56,41 @@ TEST(CommandLineTest, TakesAPathThatLooksLikeAnOptionAfterTwoDashes)
     EXPECT_EQ(CommandLine::parse({"--", "--info"}).study, "--info");
 }
 
+TEST(CommandLineTest, ReadsRangesToFilterBy)
+{
+    constexpr double infinity = std::numeric_limits<double>::infinity();
+
+    const struct
+    {
+        const char* text;
+        const char* variable;
+        double min;
+        double max;
+    } filters[] = {
+        {"Drag=0.1..0.3", "Drag", 0.1, 0.3},
+        {"Drag=..0.3", "Drag", -infinity, 0.3},
+        {"Drag=-1e-3..", "Drag", -0.001, infinity},
+        {"Drag=..", "Drag", -infinity, infinity},
+        {"Drag=-inf..-2.", "Drag", -infinity, -2.0},
+        {"Drag=1...5", "Drag", 1.0, 0.5}, // refused by the filter, not by its form
+        {"a=b..c=1..2", "a=b..c", 1.0, 2.0},
+        {"x=1..2=3..4", "x=1..2", 3.0, 4.0},
+        {"=a=1..2", "=a", 1.0, 2.0},
+        {"v.1 [m/s]=5..5", "v.1 [m/s]", 5.0, 5.0},
+    };
+
+    for (const auto& filter : filters) {
+        SCOPED_TRACE(filter.text);
+        const CommandLine line =
+            CommandLine::parse({"study.csv", "--filter", "A=1..2", "--filter", filter.text});
+        ASSERT_EQ(line.filters.size(), 2U);
+        EXPECT_EQ(line.filters[1].variable, filter.variable);
+        EXPECT_EQ(line.filters[1].range, (ValueRange_s<double>{filter.min, filter.max}));
+    }
+    EXPECT_TRUE(
+        std::isnan(CommandLine::parse({"study.csv", "--filter=x=nan..1"}).filters[0].range.min));
+}
+
 TEST(CommandLineTest, RefusesWrongUseInOneLine)
 {
     const std::vector<std::vector<std::string>> wrong{
@@ -75,6 +113,18 @@ TEST(CommandLineTest, RefusesWrongUseInOneLine)
         {"a.csv", "--select", "3-"},
         {"a.csv", "--select", "x"},
         {"a.csv", "--select", "99999999999999999999"},
+        {"a.csv", "--filter"},
+        {"a.csv", "--filter", "Drag"},
+        {"a.csv", "--filter", "Drag=0.1"},
+        {"a.csv", "--filter", "Drag=0.1.0.3"},
+        {"a.csv", "--filter", "Drag=0.1..0.3x"},
+        {"a.csv", "--filter", "Drag=1e999.."},
+        {"a.csv", "--filter", "Drag=0,1..0,3"},
+        {"a.csv", "--filter", "Drag={a,b}"},
+        {"a.csv", "--filter", "=1..2"},
+        {"a.csv", "--filter", "1..2"},
+        {"a.csv", "--filter", ""},
+        {"--filter", "Drag=1..2"},
         {"--size", "800"},
         {"--size", "0x600"},
         {"--size", "800x600x2"},
@@ -104,6 +154,7 @@ TEST(CommandLineTest, HelpNamesEveryKindAndProperty)
           "--view",
           "--set",
           "--select",
+          "--filter",
           "--size",
           "--screenshot",
           "scatter",

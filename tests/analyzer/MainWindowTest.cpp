@@ -338,7 +338,7 @@ TEST_F(MainWindowTest, ClosedViewGoesAndTheOthersStayLinked)
     m_window->show();
 
     for (QDockWidget* dock : m_window->findChildren<QDockWidget*>()) {
-        if (dock->widget() == &chart.lock()->widget()) {
+        if (dock->widget()->isAncestorOf(&chart.lock()->widget())) {
             dock->close();
             break;
         }

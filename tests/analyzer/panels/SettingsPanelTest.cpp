@@ -3,6 +3,7 @@
 #include <analyzer/views/AnalyzerViewInterface.h>
 #include <analyzer/views/ChoiceSetting.h>
 #include <analyzer/views/NumberSetting.h>
+#include <analyzer/views/RealSetting.h>
 #include <analyzer/views/SettingAbstract.h>
 #include <analyzer/views/StepsSettingInterface.h>
 #include <analyzer/views/TagListSetting.h>
@@ -12,7 +13,9 @@
 
 #include <dataviews/platform/serialize/Serializer.h>
 
+#include <QAction>
 #include <QApplication>
+#include <QCheckBox>
 #include <QComboBox>
 #include <QLabel>
 #include <QLineEdit>
@@ -204,7 +207,47 @@ protected:
         add(boost::make_shared<analyzer::TagListSetting>("tags", "Tags", m_tags));
     }
 
-    QString problem() { return field<QLabel>("SettingsProblem").text(); }
+    /// What is said below the field \p name, without the sign before it; empty if there is nothing.
+    QString problemOf(const char* name)
+    {
+        const auto* label =
+            m_panel.findChild<QLabel*>(QLatin1String(name) + QLatin1String("-problem"));
+        if (label == nullptr) {
+            return {};
+        }
+        const QString sign = QStringLiteral("\u26A0 ");
+        EXPECT_TRUE(label->text().startsWith(sign));
+        return label->text().mid(sign.size());
+    }
+
+    /// A real number of its own in \p section that can be undone; negative ones are refused.
+    boost::shared_ptr<analyzer::RealSetting> addReal(
+        const std::string& name, double value, const std::string& section = {})
+    {
+        const auto property = undoable(value);
+        const auto setting = boost::make_shared<analyzer::RealSetting>(
+            name,
+            "A " + name,
+            [property] { return property->value(); },
+            [property](double number) {
+                if (number < 0) {
+                    throw corvane::InvalidPropertyValueException("It cannot be negative.");
+                }
+                property->setValue(number);
+            });
+        setting->follow(property);
+        setting->setSection(section);
+        add(setting);
+        return setting;
+    }
+
+    /// Types \p text in place of what is in \p field.
+    static void type(QLineEdit& field, const QString& text)
+    {
+        field.setFocus();
+        field.selectAll();
+        QTest::keyClicks(&field, text);
+    }
 
     SmallStudy m_study{1};
     boost::shared_ptr<FakeView> m_view = boost::make_shared<FakeView>();
@@ -289,9 +332,11 @@ TEST_F(SettingsPanelTest, StepsThatAreTooManyToListCanBeTypedAndSteppedThrough)
     box.lineEdit()->selectAll();
     QTest::keyClicks(box.lineEdit(), QStringLiteral("no"));
     QTest::keyClick(box.lineEdit(), Qt::Key_Return);
-    EXPECT_EQ(problem(), QStringLiteral("There is no page <b>no</b>."));
-    EXPECT_EQ(field<QLabel>("SettingsProblem").textFormat(), Qt::PlainText);
+    EXPECT_EQ(problemOf("page-value"), QStringLiteral("There is no page <b>no</b>."));
+    EXPECT_EQ(field<QLabel>("page-value-problem").textFormat(), Qt::PlainText);
     EXPECT_EQ(box.currentText(), QStringLiteral("999x"));
+    QTest::mouseClick(&field<QToolButton>("page-value-previous"), Qt::LeftButton);
+    EXPECT_EQ(problemOf("page-value"), QString());
 }
 
 TEST_F(SettingsPanelTest, ListIsTickedInAWindow)
@@ -434,6 +479,319 @@ TEST_F(SettingsPanelTest, IsAsWideAsItsFieldsNeedAndAsLowAsOneLikes)
     EXPECT_GE(fields->width(), fields->minimumSizeHint().width());
     m_panel.setView({});
     EXPECT_EQ(m_panel.findChild<QSpinBox*>(), nullptr);
+}
+
+TEST_F(SettingsPanelTest, RealNumberIsSetWithReturnAndOnLeaving)
+{
+    const auto setting = addReal("size", 0.1 + 0.2);
+    addReal("other", 1);
+    showPanel();
+    auto& size = field<QLineEdit>("size");
+    EXPECT_EQ(size.text(), QStringLiteral("0.3"));
+    EXPECT_EQ(size.accessibleName(), QStringLiteral("A size"));
+
+    size.setFocus();
+    QTest::keyClick(&size, Qt::Key_Return);
+    type(size, QStringLiteral("0.3"));
+    QTest::keyClick(&size, Qt::Key_Return);
+    EXPECT_EQ(UndoStack::history().count(), 0) << "the text that is shown rounds the value";
+    type(size, QStringLiteral(" +1e3"));
+    EXPECT_EQ(setting->text(), "0.3") << "half a number is not set";
+    QTest::keyClick(&size, Qt::Key_Return);
+    EXPECT_EQ(setting->text(), "1000");
+    EXPECT_EQ(size.text(), QStringLiteral("1000"));
+    type(size, QStringLiteral("2.5"));
+    QTest::keyClick(&size, Qt::Key_Tab);
+    EXPECT_EQ(setting->text(), "2.5");
+    EXPECT_TRUE(field<QLineEdit>("other").hasFocus());
+    EXPECT_EQ(UndoStack::history().count(), 2);
+
+    UndoStack::history().undo();
+    EXPECT_EQ(size.text(), QStringLiteral("1000"));
+}
+
+TEST_F(SettingsPanelTest, RefusedNumberStaysAfterReturnAndGivesWayOnLeaving)
+{
+    const auto setting = addReal("size", 5);
+    addReal("other", 1);
+    showPanel();
+    auto& size = field<QLineEdit>("size");
+    type(size, QStringLiteral("-1"));
+    EXPECT_EQ(problemOf("size"), QString());
+
+    QTest::keyClick(&size, Qt::Key_Return);
+    EXPECT_EQ(problemOf("size"), QStringLiteral("It cannot be negative."));
+    EXPECT_EQ(size.accessibleDescription(), QStringLiteral("It cannot be negative."));
+    EXPECT_EQ(size.selectedText(), QStringLiteral("-1"));
+    QTest::keyClicks(&size, QStringLiteral("1,5"));
+    EXPECT_EQ(problemOf("size"), QString()) << "the next edit ends the message";
+    EXPECT_EQ(size.accessibleDescription(), QString());
+    QTest::keyClick(&size, Qt::Key_Tab);
+    const QString comma =
+        QStringLiteral("\"1,5\" is not a number; write a point for the decimals.");
+    EXPECT_EQ(problemOf("size"), comma);
+    EXPECT_EQ(size.text(), QStringLiteral("5"));
+
+    QTest::keyClick(&field<QLineEdit>("other"), Qt::Key_Return);
+    type(field<QLineEdit>("other"), QStringLiteral("x"));
+    QTest::keyClick(&field<QLineEdit>("other"), Qt::Key_Return);
+    EXPECT_EQ(problemOf("size"), comma) << "each field has a message of its own";
+    EXPECT_EQ(problemOf("other"), QStringLiteral("\"x\" is not a number."));
+    size.setFocus();
+    QTest::keyClick(&size, Qt::Key_Tab);
+    EXPECT_EQ(problemOf("size"), comma) << "passing through is no edit";
+    setting->setText("6");
+    EXPECT_EQ(problemOf("size"), QString());
+    EXPECT_EQ(UndoStack::history().count(), 1);
+}
+
+TEST_F(SettingsPanelTest, MessageIsRightBelowItsFieldAndNeverWidensThePanel)
+{
+    addReal("size", 5);
+    addReal("other", 1);
+    showPanel();
+    auto& size = field<QLineEdit>("size");
+    const int width = m_panel.minimumSizeHint().width();
+    type(size, QString(300, QLatin1Char('W')));
+    QTest::keyClick(&size, Qt::Key_Return);
+    QCoreApplication::processEvents();
+
+    const auto& label = field<QLabel>("size-problem");
+    EXPECT_GE(label.y(), size.geometry().bottom());
+    EXPECT_LT(label.geometry().bottom(), field<QLineEdit>("other").y());
+    EXPECT_EQ(m_panel.minimumSizeHint().width(), width);
+    m_panel.setView(m_view);
+    EXPECT_EQ(problemOf("size"), QString());
+}
+
+TEST_F(SettingsPanelTest, MessageAtTheLowerEdgeIsScrolledIntoView)
+{
+    for (int i = 0; i < 40; ++i) {
+        addReal("real" + std::to_string(i), i);
+    }
+    showPanel();
+    auto* area = m_panel.findChild<QScrollArea*>();
+    auto& last = field<QLineEdit>("real39");
+    area->ensureWidgetVisible(&last, 0, 0);
+    type(last, QStringLiteral("x"));
+    QTest::keyClick(&last, Qt::Key_Return);
+    QCoreApplication::processEvents();
+
+    const auto& label = field<QLabel>("real39-problem");
+    const QRect seen = area->viewport()->rect();
+    EXPECT_TRUE(seen.contains(label.mapTo(area->viewport(), label.rect().bottomRight())));
+}
+
+TEST_F(SettingsPanelTest, MessageOnLeavingByMouseDoesNotMoveWhatIsClicked)
+{
+    const auto setting = addReal("size", 5);
+    const auto labels = undoable(false);
+    add(analyzer::makeSwitchSetting("labels", "Labels", labels));
+    showPanel();
+    auto& size = field<QLineEdit>("size");
+    auto& box = field<QCheckBox>("labels");
+    type(size, QStringLiteral("x"));
+    const int before = box.y();
+
+    const QPoint onBox(8, box.height() / 2);
+    QTest::mousePress(&box, Qt::LeftButton, Qt::NoModifier, onBox);
+    QCoreApplication::processEvents();
+    EXPECT_EQ(size.text(), QStringLiteral("5"));
+    EXPECT_EQ(box.y(), before);
+    QTest::mouseRelease(&box, Qt::LeftButton, Qt::NoModifier, onBox);
+    EXPECT_TRUE(labels->value());
+    QCoreApplication::processEvents();
+    EXPECT_TRUE(field<QLabel>("size-problem").isVisible());
+    EXPECT_GT(box.y(), before);
+}
+
+TEST_F(SettingsPanelTest, EscapeBringsTheNumberBack)
+{
+    addReal("size", 5);
+    showPanel();
+    auto& size = field<QLineEdit>("size");
+    type(size, QStringLiteral("abc"));
+    QTest::keyClick(&size, Qt::Key_Return);
+    ASSERT_NE(problemOf("size"), QString());
+
+    QTest::keyClick(&size, Qt::Key_Escape);
+    EXPECT_EQ(size.text(), QStringLiteral("5"));
+    EXPECT_EQ(problemOf("size"), QString());
+    size.clearFocus();
+    EXPECT_EQ(problemOf("size"), QString()) << "nothing is left to set";
+    EXPECT_EQ(UndoStack::history().count(), 0);
+}
+
+TEST_F(SettingsPanelTest, WhatOthersSetDoesNotTouchWhatIsBeingTyped)
+{
+    const auto setting = addReal("size", 5);
+    showPanel();
+    auto& size = field<QLineEdit>("size");
+    size.setFocus();
+    setting->setText("6");
+    EXPECT_EQ(size.text(), QStringLiteral("6")) << "the keyboard alone is no typing";
+
+    type(size, QStringLiteral("7."));
+    setting->setText("8");
+    EXPECT_EQ(size.text(), QStringLiteral("7."));
+    QFocusEvent toOtherWindow(QEvent::FocusOut, Qt::ActiveWindowFocusReason);
+    QApplication::sendEvent(&size, &toOtherWindow);
+    EXPECT_EQ(setting->text(), "8");
+    QTest::keyClicks(&size, QStringLiteral("25"));
+    QTest::keyClick(&size, Qt::Key_Return);
+    EXPECT_EQ(setting->text(), "7.25");
+    setting->setText("9");
+    EXPECT_EQ(size.text(), QStringLiteral("9"));
+}
+
+TEST_F(SettingsPanelTest, UndoKeyIsTheWindowsUnlessSomethingIsTyped)
+{
+    addReal("size", 5);
+    QAction undo;
+    undo.setShortcut(QKeySequence::Undo);
+    QObject::connect(&undo, &QAction::triggered, [] { UndoStack::history().undo(); });
+    m_panel.addAction(&undo);
+    showPanel();
+    auto& size = field<QLineEdit>("size");
+    type(size, QStringLiteral("6"));
+    QTest::keyClick(&size, Qt::Key_Return);
+
+    QTest::keyClicks(&size, QStringLiteral("7"));
+    QTest::keyClick(&size, Qt::Key_Z, Qt::ControlModifier);
+    EXPECT_EQ(size.text(), QStringLiteral("6"));
+    EXPECT_TRUE(UndoStack::history().canUndo());
+    QTest::keyClick(&size, Qt::Key_Escape);
+    QTest::keyClick(&size, Qt::Key_Z, Qt::ControlModifier);
+    EXPECT_EQ(size.text(), QStringLiteral("5"));
+    EXPECT_FALSE(UndoStack::history().canUndo());
+}
+
+TEST_F(SettingsPanelTest, WhatIsTypedIsDroppedWithItsView)
+{
+    const auto setting = addReal("size", 5);
+    showPanel();
+    type(field<QLineEdit>("size"), QStringLiteral("6"));
+
+    m_panel.setView({});
+
+    EXPECT_EQ(setting->text(), "5") << "its view may be gone";
+}
+
+TEST_F(SettingsPanelTest, WhatIsTypedIsDroppedWhenItLosesItsEffect)
+{
+    const auto isOn = undoable(true);
+    const auto setting = addReal("size", 5);
+    setting->enableWhile<bool>(isOn, [](bool value) { return value; });
+    showPanel();
+    auto& size = field<QLineEdit>("size");
+    type(size, QStringLiteral("6"));
+
+    isOn->setValue(false);
+    EXPECT_FALSE(size.isEnabled());
+    EXPECT_EQ(size.text(), QStringLiteral("5"));
+    EXPECT_EQ(setting->text(), "5");
+    EXPECT_EQ(UndoStack::history().count(), 1) << "nothing is set in the middle of another change";
+    isOn->setValue(true);
+    EXPECT_TRUE(size.isEnabled());
+}
+
+TEST_F(SettingsPanelTest, SwitchThatIsRefusedSaysSo)
+{
+    add(boost::make_shared<analyzer::ChoiceSetting<bool>>(
+        analyzer::SettingInterface::Kind::Switch,
+        "labels",
+        "Labels",
+        undoable(false),
+        analyzer::ChoiceSetting<bool>::NamedValues{{"on", true}, {"off", false}},
+        [](bool value) {
+            if (value) {
+                throw ExceptionBase("There are no labels.");
+            }
+        }));
+    showPanel();
+    auto& box = field<QCheckBox>("labels");
+
+    QTest::keyClick(&box, Qt::Key_Space);
+
+    EXPECT_FALSE(box.isChecked());
+    EXPECT_EQ(problemOf("labels"), QStringLiteral("There are no labels."));
+    EXPECT_EQ(box.accessibleDescription(), QStringLiteral("There are no labels."));
+}
+
+TEST_F(SettingsPanelTest, SectionsCollapseByKeyAndMouseAndStaySo)
+{
+    addReal("plain", 1);
+    addReal("size", 2, "Points");
+    addReal("opacity", 3, "Points");
+    addReal("least", 4, "X axis");
+    showPanel();
+    const auto seen = [this] {
+        std::vector<std::string> names;
+        for (const auto& setting : m_view->m_settings) {
+            if (field<QLineEdit>(setting->name().c_str()).isVisible()) {
+                names.push_back(setting->name());
+            }
+        }
+        return names;
+    };
+    using Names = std::vector<std::string>;
+    EXPECT_EQ(m_panel.findChildren<QToolButton*>().size(), 2);
+    auto& points = field<QToolButton>("section-Points");
+    EXPECT_EQ(points.accessibleName(), QStringLiteral("Points"));
+    EXPECT_EQ(seen(), (Names{"plain", "size", "opacity", "least"}));
+
+    points.setFocus();
+    QTest::keyClick(&points, Qt::Key_Space);
+    EXPECT_FALSE(points.isChecked());
+    EXPECT_EQ(points.arrowType(), Qt::RightArrow);
+    EXPECT_EQ(seen(), (Names{"plain", "least"}));
+    QTest::mouseClick(&field<QToolButton>("section-X axis"), Qt::LeftButton);
+    EXPECT_EQ(seen(), (Names{"plain"}));
+    QTest::mouseClick(&points, Qt::LeftButton);
+    EXPECT_EQ(points.arrowType(), Qt::DownArrow);
+    EXPECT_EQ(seen(), (Names{"plain", "size", "opacity"}));
+
+    m_panel.setView({});
+    m_panel.setView(m_view);
+    EXPECT_EQ(seen(), (Names{"plain", "size", "opacity"})) << "the panel remembers";
+}
+
+TEST_F(SettingsPanelTest, CollapsingSetsWhatIsTypedAndHidesMessages)
+{
+    const auto size = addReal("size", 2, "Points");
+    addReal("opacity", 3, "Points");
+    addReal("least", 4);
+    showPanel();
+    auto& heading = field<QToolButton>("section-Points");
+    type(field<QLineEdit>("opacity"), QStringLiteral("x"));
+    QTest::keyClick(&field<QLineEdit>("opacity"), Qt::Key_Return);
+    type(field<QLineEdit>("size"), QStringLiteral("7"));
+
+    QTest::mouseClick(&heading, Qt::LeftButton);
+    EXPECT_EQ(size->text(), "7");
+    EXPECT_TRUE(heading.hasFocus()) << "the keyboard stays where the user is";
+    EXPECT_FALSE(field<QLabel>("opacity-problem").isVisible());
+    QTest::mouseClick(&heading, Qt::LeftButton);
+    EXPECT_TRUE(field<QLabel>("opacity-problem").isVisible());
+}
+
+TEST_F(SettingsPanelTest, TabGoesDownThePanel)
+{
+    addReal("size", 2, "Points");
+    add(analyzer::makeSwitchSetting("labels", "Labels", undoable(true)));
+    addReal("least", 4, "X axis");
+    addReal("most", 4, "X axis");
+    showPanel();
+    field<QWidget>("section-Points").setFocus();
+
+    QStringList visited;
+    for (int i = 0; i < 5; ++i) {
+        QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
+        visited.append(QApplication::focusWidget()->objectName());
+    }
+
+    EXPECT_EQ(
+        visited.join(QLatin1Char(' ')), QStringLiteral("size labels section-X axis least most"));
 }
 
 } // namespace

@@ -1,6 +1,7 @@
 #include "CaseTableTestData.h"
 
 #include <analyzer/views/CaseTableWidget.h>
+#include <analyzer/views/HoveredCase.h>
 
 #include <QApplication>
 #include <QContextMenuEvent>
@@ -17,6 +18,8 @@
 #include <algorithm>
 #include <map>
 #include <random>
+
+#include <tests/support/mouseMoves.h>
 
 namespace analyzer {
 
@@ -93,7 +96,8 @@ protected:
     CaseTableModel m_model;
     boost::shared_ptr<CountingMaster> m_master = boost::make_shared<CountingMaster>();
     CaseTableSelection m_selection{m_model, m_master};
-    CaseTableWidget m_widget{m_model, m_selection};
+    boost::shared_ptr<HoveredCase> m_hovered = boost::make_shared<HoveredCase>();
+    CaseTableWidget m_widget{m_model, m_selection, m_hovered};
 };
 
 constexpr auto ctrl = Qt::ControlModifier;
@@ -528,6 +532,80 @@ TEST_F(CaseTableWidgetTest, ThousandsOfGesturesAgreeWithASet)
         }
         ASSERT_FALSE(m_widget.selectionModel()->hasSelection());
     }
+}
+
+TEST_F(CaseTableWidgetTest, RowUnderTheMouseIsHovered)
+{
+    sendMouseMove(*viewport(), at(3));
+    settle();
+    EXPECT_EQ(m_hovered->caseID(), std::optional(caseAt(3)));
+
+    m_widget.verticalScrollBar()->setValue(10);
+    viewport()->repaint();
+    settle();
+    EXPECT_EQ(m_hovered->caseID(), std::optional(caseAt(13)));
+
+    sendMouseMove(*viewport(), QPoint(viewport()->width() - 1, at(13).y()));
+    settle();
+    EXPECT_EQ(m_hovered->caseID(), std::nullopt) << "beside the columns";
+}
+
+TEST_F(CaseTableWidgetTest, RowOfTheHoveredCaseHasAnOutline)
+{
+    const auto picture = [this] { return viewport()->grab().toImage(); };
+    const QImage before = picture();
+
+    m_hovered->setCaseID(caseAt(4));
+    const QImage outlined = picture();
+    const QRect row = m_widget.hoveredRowRect();
+
+    ASSERT_FALSE(row.isEmpty());
+    EXPECT_TRUE(row.contains(at(4)));
+    EXPECT_FALSE(row.contains(at(3)) || row.contains(at(5)));
+    for (int y = 0; y < before.height(); ++y) {
+        for (int x = 0; x < before.width(); ++x) {
+            const bool isInside = row.adjusted(3, 3, -3, -3).contains(x, y);
+            if (isInside || !row.contains(x, y)) {
+                ASSERT_EQ(outlined.pixel(x, y), before.pixel(x, y)) << x << ", " << y;
+            }
+        }
+    }
+    EXPECT_EQ(outlined.pixelColor(row.left() + 50, row.top()), QColor(Qt::black));
+    EXPECT_EQ(outlined.pixelColor(row.left() + 50, row.bottom()), QColor(Qt::black));
+    EXPECT_EQ(outlined.pixelColor(row.right(), row.center().y()), QColor(Qt::black));
+    m_hovered->setCaseID(std::nullopt);
+    EXPECT_EQ(picture(), before);
+}
+
+TEST_F(CaseTableWidgetTest, HoverPaintsOnlyTheRowsThatItConcerns)
+{
+    m_hovered->setCaseID(caseAt(2));
+    const QRect second = m_widget.hoveredRowRect();
+    viewport()->repaint();
+    settle();
+    PaintWatcher watcher(*viewport());
+
+    m_hovered->setCaseID(caseAt(7));
+    const QRect seventh = m_widget.hoveredRowRect();
+    settle();
+    EXPECT_EQ(watcher.painted, QRegion(second) + seventh);
+
+    watcher.painted = {};
+    m_hovered->setCaseID(caseAt(100));
+    settle();
+    EXPECT_EQ(watcher.painted, QRegion(seventh));
+    EXPECT_TRUE(m_widget.hoveredRowRect().isEmpty());
+    EXPECT_EQ(scrolled(), 0);
+}
+
+TEST_F(CaseTableWidgetTest, OutlineFollowsItsRow)
+{
+    m_hovered->setCaseID(caseAt(4));
+    m_widget.verticalScrollBar()->setValue(2);
+    EXPECT_TRUE(m_widget.hoveredRowRect().contains(at(4)));
+
+    m_hovered->setCaseID(5000);
+    EXPECT_TRUE(m_widget.hoveredRowRect().isEmpty());
 }
 
 } // namespace analyzer

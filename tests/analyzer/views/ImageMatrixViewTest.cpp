@@ -33,6 +33,7 @@
 
 #include <sys/stat.h>
 #include <tests/dataviews/common/images/imageGrid.h>
+#include <tests/support/mouseMoves.h>
 
 namespace analyzer {
 
@@ -49,7 +50,7 @@ class ShownMatrix
 {
 public:
     explicit ShownMatrix(const boost::shared_ptr<ImageFileLoaderInterface>& loader)
-        : m_view(boost::make_shared<ImageMatrixView>(m_pipeline, m_master, loader))
+        : m_view(boost::make_shared<ImageMatrixView>(m_pipeline, m_master, loader, m_hovered))
     {
         m_connections.add(
             m_view->signalTitleChanged.connect([this] { titles.push_back(m_view->title()); }));
@@ -71,6 +72,8 @@ public:
     [[nodiscard]] SelectionModel& master() const { return *m_master; }
 
     [[nodiscard]] DataPipelineManager& pipeline() { return m_pipeline; }
+
+    [[nodiscard]] HoveredCase& hovered() { return *m_hovered; }
 
     [[nodiscard]] SettingInterface& setting(const std::string& name) const
     {
@@ -197,6 +200,7 @@ public:
 private:
     DataPipelineManager m_pipeline{Project::project()};
     boost::shared_ptr<SelectionModel> m_master = boost::make_shared<SelectionModel>();
+    boost::shared_ptr<HoveredCase> m_hovered = boost::make_shared<HoveredCase>();
     boost::shared_ptr<ImageMatrixView> m_view;
     SignalConnectionCollection m_connections;
 };
@@ -512,6 +516,83 @@ TEST_F(ImageMatrixViewTest, ResumedViewShowsWhatItMissed)
     EXPECT_EQ(m_matrix.titles.back(), "page × x");
     EXPECT_EQ(m_matrix.selectedCells(), (std::set<Cell>{{1, 0}}));
     EXPECT_GT(m_matrix.grid().rowHeight(0), height);
+}
+
+TEST_F(ImageMatrixViewTest, CellWithOneCaseUnderTheMouseIsHovered)
+{
+    QWidget& viewport = *m_matrix.grid().viewport();
+    sendMouseMove(viewport, m_matrix.placeOf(0, 0)); // cases 1 and 2
+    settle();
+    EXPECT_EQ(m_matrix.hovered().caseID(), std::nullopt);
+
+    m_matrix.set("pages-by", "variable");
+    m_matrix.set("page", "page");
+    sendMouseMove(
+        viewport, m_matrix.placeOf(1, 2)); // of cases 11 and 12 the first page has the first
+    settle();
+    EXPECT_EQ(m_matrix.hovered().caseID(), std::optional(11ULL));
+
+    sendLeave(viewport);
+    EXPECT_EQ(m_matrix.hovered().caseID(), std::nullopt);
+}
+
+TEST_F(ImageMatrixViewTest, CellsWithTheHoveredCaseAreOutlinedAndPaintedAlone)
+{
+    QImageTableView& grid = m_matrix.grid();
+    const auto rectOf = [&grid](int row, int column) {
+        return grid.visualRect(grid.model()->index(row, column));
+    };
+    const auto isOutlined = [&](int row, int column) {
+        const QRect cell = rectOf(row, column);
+        const QImage picture = grid.viewport()->grab().toImage();
+        return picture.pixelColor(cell.topLeft()) == Qt::black
+            && picture.pixelColor(cell.bottomRight()) == Qt::black
+            && picture.pixelColor(cell.left(), cell.center().y()) == Qt::black;
+    };
+    m_matrix.set("zoom", "0");
+    settle();
+    EXPECT_FALSE(isOutlined(0, 0));
+    PaintWatcher watcher(*grid.viewport());
+
+    m_matrix.hovered().setCaseID(2);
+    settle();
+    EXPECT_EQ(watcher.painted, QRegion(rectOf(0, 0)));
+    EXPECT_TRUE(isOutlined(0, 0));
+    EXPECT_FALSE(isOutlined(0, 1));
+
+    watcher.painted = {};
+    m_matrix.hovered().setCaseID(11);
+    settle();
+    EXPECT_EQ(watcher.painted, QRegion(rectOf(0, 0)) + rectOf(1, 2));
+    EXPECT_FALSE(isOutlined(0, 0));
+    EXPECT_TRUE(isOutlined(1, 2));
+
+    m_matrix.set("row", "page");
+    settle();
+    EXPECT_TRUE(isOutlined(0, 2)); // the grid is another
+    EXPECT_FALSE(isOutlined(1, 2));
+
+    m_matrix.hovered().setCaseID(std::nullopt);
+    settle();
+    EXPECT_FALSE(isOutlined(0, 2));
+}
+
+TEST_F(ImageMatrixViewTest, LeavesOutWhatIsFilteredAndNothingElse)
+{
+    int changes = 0;
+    const boost::signals2::scoped_connection connection =
+        m_matrix.view().signalLeftOutChanged.connect([&changes] { ++changes; });
+    m_matrix.set("pages-by", "variable");
+    EXPECT_TRUE(m_matrix.view().leftOut().empty());
+
+    m_matrix.pipeline().addFilter(boost::make_shared<RangeFilter>(
+        Project::project().variable("x"), ValueRange_s<double>{2, 3}));
+
+    EXPECT_EQ(changes, 1);
+    ASSERT_EQ(m_matrix.view().leftOut().size(), 1U);
+    EXPECT_EQ(m_matrix.view().leftOut()[0].count, 4U);
+    EXPECT_EQ(m_matrix.view().leftOut()[0].reason, "filtered");
+    EXPECT_EQ(m_matrix.view().leftOutCaseIDs(), (Cases{1, 2, 3, 4}));
 }
 
 TEST(ImageMatrixViewLoadingTest, MayGoWhilePicturesAreBeingDecoded)

@@ -64,8 +64,10 @@ public:
             Project::project().variable("b"), ValueRange_s<double>{20.0, 90.0}, false);
         m_filteredPipeline.addFilter(m_filter);
         m_charts = {
-            boost::make_shared<ScatterPlotView>(m_pipeline, m_master),
-            boost::make_shared<ScatterPlotView>(m_filteredPipeline, m_master)};
+            boost::make_shared<ScatterPlotView>(
+                analyzer::ViewServices{m_pipeline, m_master, {}, {}, {}}),
+            boost::make_shared<ScatterPlotView>(
+                analyzer::ViewServices{m_filteredPipeline, m_master, {}, {}, {}})};
         m_table = boost::make_shared<CaseTableView>(m_pipeline, m_master);
     }
 
@@ -281,7 +283,8 @@ public:
         m_pipeline.addFilter(m_filter);
         m_matrix = boost::make_shared<analyzer::ImageMatrixView>(
             m_pipeline, m_master, boost::make_shared<FakeLoader>());
-        m_chart = boost::make_shared<ScatterPlotView>(m_pipeline, m_master);
+        m_chart = boost::make_shared<ScatterPlotView>(
+            analyzer::ViewServices{m_pipeline, m_master, {}, {}, {}});
         m_table = boost::make_shared<CaseTableView>(m_pipeline, m_master);
         m_connection = m_matrix->imageTable().model().signalModelChanged.connect(
             [this] { m_hasAllCells = true; });

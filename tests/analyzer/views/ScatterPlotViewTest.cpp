@@ -81,7 +81,8 @@ protected:
 
     void makeView()
     {
-        m_view = boost::make_shared<ScatterPlotView>(m_pipeline, m_master);
+        m_view = boost::make_shared<ScatterPlotView>(
+            analyzer::ViewServices{m_pipeline, m_master, {}, {}, {}});
         m_view->widget().resize(500, 400);
         m_view->widget().show();
         ASSERT_TRUE(QTest::qWaitForWindowExposed(&m_view->widget()));

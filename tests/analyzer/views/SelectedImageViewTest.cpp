@@ -111,7 +111,7 @@ protected:
     void makeView()
     {
         m_view = boost::make_shared<SelectedImageView>(
-            m_pipeline, m_master, boost::make_shared<ImageCache>());
+            m_pipeline, m_master, boost::make_shared<ImageCache>(), m_hovered);
         m_view->widget().resize(600, 300);
         m_view->widget().show();
         ASSERT_TRUE(QTest::qWaitForWindowExposed(&m_view->widget()));
@@ -173,6 +173,7 @@ protected:
     Project m_project;
     DataPipelineManager m_pipeline{Project::project()};
     boost::shared_ptr<SelectionModel> m_master = boost::make_shared<SelectionModel>();
+    boost::shared_ptr<HoveredCase> m_hovered = boost::make_shared<HoveredCase>();
     boost::shared_ptr<SelectedImageView> m_view;
 };
 
@@ -444,10 +445,36 @@ TEST_F(SelectedImageViewTest, TellsItsKindItsTitleAndItsMenu)
     EXPECT_EQ(m_master->getSelections(), std::set<unsigned long long>{3});
 }
 
+TEST_F(SelectedImageViewTest, ImageOfTheHoveredCaseHasAnOutline)
+{
+    m_master->setSelection({2, 3});
+    settle();
+    const auto corner = [this] { return canvas().grab().toImage().pixelColor(0, 0); };
+    ASSERT_NE(corner(), QColor(Qt::black));
+
+    m_hovered->setCaseID(2);
+    EXPECT_TRUE(canvas().isOutlined());
+    EXPECT_EQ(corner(), QColor(Qt::black));
+    press(Qt::Key_Right);
+    EXPECT_TRUE(canvas().isOutlined()); // the other image of the case
+    press(Qt::Key_Right);
+    EXPECT_FALSE(canvas().isOutlined());
+    m_hovered->setCaseID(3);
+    EXPECT_TRUE(canvas().isOutlined());
+    m_master->setSelection({});
+    EXPECT_FALSE(canvas().isOutlined());
+    m_master->setSelection({3});
+    EXPECT_TRUE(canvas().isOutlined());
+    m_hovered->setCaseID(std::nullopt);
+    EXPECT_FALSE(canvas().isOutlined());
+    EXPECT_TRUE(m_view->leftOut().empty());
+}
+
 TEST_F(SelectedImageViewTest, SurvivesItsWidget)
 {
     m_master->setSelection({2});
     delete &m_view->widget();
+    m_hovered->setCaseID(2);
 
     m_master->setSelection({3});
     m_view->fitToWindow()->setValue(false);

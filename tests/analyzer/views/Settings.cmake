@@ -1,1 +1,8 @@
-list(APPEND ANALYZER_VIEWS_TEST_SOURCES NumberSettingTest.cpp PageValueSettingTest.cpp PropertyListSettingTest.cpp)
+list(
+    APPEND
+    ANALYZER_VIEWS_TEST_SOURCES
+    NumberSettingTest.cpp
+    PageValueSettingTest.cpp
+    PropertyListSettingTest.cpp
+    RealSettingTest.cpp
+)

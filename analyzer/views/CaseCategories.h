@@ -1,0 +1,46 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <vector>
+
+class Variable;
+
+namespace analyzer {
+
+/// The different values of a variable as categories, and the category of each case of the study.
+///
+/// Numbered from 0 in the ascending order of the values; cases without a value are in a category of their own behind
+/// the others.
+class CaseCategories
+{
+public:
+    /// As many as can be told apart by their colors.
+    static constexpr std::size_t largestCount = 24;
+
+    /// Whether \p variable has no more different values than that.
+    [[nodiscard]] static bool canDivideBy(const Variable& variable);
+
+    /// \throws ExceptionBase with a sentence for people if canDivideBy() is false.
+    explicit CaseCategories(const Variable& variable);
+
+    /// The values as people read them, UTF-8; the category of missing values has no name.
+    [[nodiscard]] const std::vector<std::string>& names() const { return m_names; }
+
+    /// The category of cases without a value.
+    [[nodiscard]] std::size_t missing() const { return m_names.size(); }
+
+    /// Whether some case has no value.
+    [[nodiscard]] bool hasMissing() const { return m_hasMissing; }
+
+    /// The category of the case in \p row of the study.
+    [[nodiscard]] std::size_t ofRow(std::size_t row) const { return m_ofRow[row]; }
+
+private:
+    std::vector<std::string> m_names;
+    std::vector<std::uint8_t> m_ofRow;
+    bool m_hasMissing = false;
+};
+
+} // namespace analyzer

@@ -1,0 +1,10 @@
+list(
+    APPEND
+    ANALYZER_VIEWS_SOURCES
+    CaseCategories.cpp
+    ChartViewAbstract.cpp
+    LinePlotView.cpp
+    NotDrawnCases.cpp
+    PointColors.cpp
+    ScatterPlotView.cpp
+)

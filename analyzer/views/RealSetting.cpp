@@ -1,0 +1,105 @@
+#include <analyzer/views/RealSetting.h>
+
+#include <algorithm>
+#include <array>
+#include <charconv>
+#include <cmath>
+#include <system_error>
+#include <utility>
+
+namespace analyzer {
+
+namespace {
+
+std::string withoutBlanksAround(const std::string& text)
+{
+    constexpr const char* blanks = " \t\r\n";
+    const std::size_t first = text.find_first_not_of(blanks);
+    return first == std::string::npos
+        ? std::string()
+        : text.substr(first, text.find_last_not_of(blanks) - first + 1);
+}
+
+/// What std::from_chars says of all of \p text, which may have a plus.
+std::errc parse(const std::string& text, double& value)
+{
+    const bool hasPlus = text.size() > 1 && text[0] == '+' && text[1] != '-';
+    const char* const end = text.data() + text.size();
+    const auto [rest, error] = std::from_chars(text.data() + (hasPlus ? 1 : 0), end, value);
+    return error == std::errc() && rest != end ? std::errc::invalid_argument : error;
+}
+
+[[noreturn]] void refuse(const std::string& text, std::errc error)
+{
+    if (text.empty()) {
+        throw ExceptionBase("An empty text is not a number.");
+    }
+    const std::string quoted = "\"" + text + "\"";
+    if (error == std::errc()) {
+        throw ExceptionBase(quoted + " is not a finite number.");
+    }
+    if (error == std::errc::result_out_of_range) {
+        throw ExceptionBase(quoted + " is beyond the numbers that can be stored.");
+    }
+    std::string withPoint = text;
+    std::replace(withPoint.begin(), withPoint.end(), ',', '.');
+    double value = 0;
+    throw ExceptionBase(
+        withPoint != text && parse(withPoint, value) == std::errc()
+            ? quoted + " is not a number; write a point for the decimals."
+            : quoted + " is not a number.");
+}
+
+} // namespace
+
+RealSetting::RealSetting(
+    std::string name,
+    std::string label,
+    boost::shared_ptr<corvane::PropertyAbstract<double>> property)
+    : RealSetting(
+        std::move(name),
+        std::move(label),
+        [property] { return property->value(); },
+        [property](double value) { property->setValue(value); })
+{
+    follow(property);
+}
+
+RealSetting::RealSetting(std::string name, std::string label, Read read, Write write)
+    : SettingAbstract<RealSettingInterface>(std::move(name), std::move(label))
+    , m_read(std::move(read))
+    , m_write(std::move(write))
+{}
+
+std::string RealSetting::text() const
+{
+    const double value = m_read();
+    if (std::isnan(value)) {
+        return {};
+    }
+    constexpr int digits = 10;
+    std::array<char, 32> buffer{};
+    const auto end = std::to_chars(
+        buffer.data(),
+        buffer.data() + buffer.size(),
+        value == 0 ? 0.0 : value, // zero has no sign for people
+        std::chars_format::general,
+        digits);
+    return {buffer.data(), end.ptr};
+}
+
+void RealSetting::setText(const std::string& text)
+{
+    const std::string number = withoutBlanksAround(text);
+    if (number == this->text()) {
+        return;
+    }
+    double value = 0;
+    const std::errc error = parse(number, value);
+    if (error != std::errc() || !std::isfinite(value)) {
+        refuse(number, error);
+    }
+    m_write(value);
+}
+
+} // namespace analyzer
