@@ -4,11 +4,14 @@
 #include <analyzer/filters/FilterList.h>
 #include <analyzer/panels/FiltersPanel.h>
 #include <analyzer/panels/SettingsPanel.h>
+#include <analyzer/panels/plainToolTip.h>
+#include <analyzer/panels/withoutMnemonic.h>
 #include <analyzer/study/studyInfo.h>
 #include <analyzer/views/AnalyzerViewInterface.h>
 #include <analyzer/views/HoveredCase.h>
 #include <analyzer/views/SelectedImageView.h>
 #include <analyzer/views/ViewServices.h>
+#include <analyzer/views/countText.h>
 #include <analyzer/views/viewKinds.h>
 
 #include <dataviews/common/images/AsyncImageCache.h>
@@ -29,7 +32,6 @@
 #include <QFileDialog>
 #include <QFileInfo>
 #include <QLabel>
-#include <QLocale>
 #include <QMenu>
 #include <QMenuBar>
 #include <QMessageBox>
@@ -62,12 +64,6 @@ constexpr int maxRecent = 10;
 constexpr int progressInterval = 50; // milliseconds
 constexpr int progressSteps = 1000;
 
-QString counted(std::size_t number)
-{
-    return QLocale(QLocale::English, QLocale::UnitedStates)
-        .toString(static_cast<qulonglong>(number));
-}
-
 constexpr std::uint64_t zoomStep = 5; // percent
 constexpr std::uint64_t largestZoom = 100;
 constexpr std::uint64_t initialZoom = 25;
@@ -80,6 +76,24 @@ QAction* makeAction(
     action->setShortcut(shortcut);
     QObject::connect(action, &QAction::triggered, &window, slot);
     return action;
+}
+
+/// Keeps the text of \p action, the undo or redo of the history, free of marks of keys and of markup: a change may be
+/// named after a variable. \p change is what would be undone or redone now, \p changed tells another.
+void showPlainly(
+    QAction& action,
+    const QString& prefix,
+    const QString& change,
+    void (QUndoStack::*changed)(const QString&))
+{
+    const auto show = [&action, prefix](const QString& text) {
+        action.setText((prefix + QLatin1Char(' ') + withoutMnemonic(text)).trimmed());
+        const QString plain = QString(prefix).remove(QLatin1Char('&'));
+        action.setToolTip(plainToolTip((plain + QLatin1Char(' ') + text).trimmed()));
+    };
+    show(change);
+    // Connected after the action's own connection, and so called after it.
+    QObject::connect(&UndoStack::history(), changed, &action, show);
 }
 
 } // namespace
@@ -412,6 +426,12 @@ void MainWindow::buildMenus()
     undo->setShortcut(QKeySequence::Undo);
     QAction* redo = UndoStack::history().createRedoAction(this, tr("&Redo"));
     redo->setShortcuts({QKeySequence::Redo, QKeySequence(tr("Ctrl+Y"))});
+    const QUndoStack& history = UndoStack::history();
+    showPlainly(*undo, tr("&Undo"), history.undoText(), &QUndoStack::undoTextChanged);
+    showPlainly(*redo, tr("&Redo"), history.redoText(), &QUndoStack::redoTextChanged);
+    // In the tool bar without what would be undone: the buttons behind it stay where they are.
+    undo->setIconText(tr("Undo"));
+    redo->setIconText(tr("Redo"));
     edit->addAction(undo);
     edit->addAction(redo);
     edit->addSeparator();
@@ -683,10 +703,10 @@ void MainWindow::updateStatus()
         m_status->setText(tr("No study is open"));
         return;
     }
-    QString text = tr("%1 of %2 cases selected").arg(counted(m_selectedCount), counted(cases));
+    QString text = tr("%1 of %2 cases selected").arg(countText(m_selectedCount), countText(cases));
     const std::size_t shown = m_pipeline->passingCount();
     if (shown != cases) {
-        text += tr(", %1 shown").arg(counted(shown));
+        text += tr(", %1 shown").arg(countText(shown));
     }
     m_status->setText(text);
 }
@@ -743,11 +763,11 @@ void MainWindow::showReport()
     box.setInformativeText(
         tr("%1 cases, %2 variables, %3 images, %4 missing values, %5 refused lines")
             .arg(
-                counted(m_report.cases),
-                counted(m_report.variables),
-                counted(m_report.images),
-                counted(m_report.missingValues),
-                counted(m_report.refusedLineCount)));
+                countText(m_report.cases),
+                countText(m_report.variables),
+                countText(m_report.images),
+                countText(m_report.missingValues),
+                countText(m_report.refusedLineCount)));
     box.setDetailedText(QString::fromStdString(studyInfo(Project::project(), m_report)));
     box.exec();
 }

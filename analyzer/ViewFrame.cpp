@@ -1,6 +1,6 @@
 #include <analyzer/ViewFrame.h>
-#include <analyzer/panels/countText.h>
 #include <analyzer/views/AnalyzerViewInterface.h>
+#include <analyzer/views/countText.h>
 
 #include <dataviews/common/views/CvWaitCursor.h>
 

@@ -20,8 +20,8 @@ class AnalyzerViewInterface;
 /// selects them.
 ///
 /// The line is there while something is left out. Once it was there its space stays free, so that the view keeps its
-/// size while a filter is dragged to and fro. Changes are shown once for each pass of the event loop, and only while the
-/// frame is on the screen.
+/// size while a filter is dragged to and fro. Changes are shown once for each pass of the event loop, and only while
+/// the frame is on the screen.
 class ViewFrame : public QWidget
 {
     Q_OBJECT

@@ -19,8 +19,9 @@ namespace analyzer {
 
 /// One setting of a filter: hands its value to the filter and puts each change on the undo stack.
 ///
-/// A change, an undo and a redo reach the filter once and raise the signal once. The undo history shares values with
-/// the property, so that a long set of values is held once for each change.
+/// A change, an undo and a redo reach the filter once and raise the signal once. Changes that become one step and end
+/// where they began leave none. The undo history shares values with the property, so that a long set of values is held
+/// once for each change.
 template <class T>
 class FilterProperty : public corvane::PropertyAbstract<T>
 {
@@ -46,12 +47,7 @@ public:
 protected:
     void storeValue(const T& value) override
     {
-        UndoStack::push(std::make_unique<GenericUndoCommand>(
-            [this, changed = boost::make_shared<const T>(value)] { take(changed); },
-            [this, old = m_value] { take(old); },
-            m_deleteSignaler,
-            m_undoText,
-            *m_undoId));
+        UndoStack::push(std::make_unique<Change>(*this, boost::make_shared<const T>(value)));
     }
 
     void validate(const T& value) const override
@@ -69,7 +65,41 @@ protected:
     void emitValueChangedSignal(const T& /*value*/) const override {}
 
 private:
-    void take(const boost::shared_ptr<const T>& value)
+    using Value = boost::shared_ptr<const T>;
+
+    /// From the present value to another.
+    class Change : public GenericUndoCommand
+    {
+    public:
+        Change(FilterProperty& property, const Value& value)
+            : GenericUndoCommand(
+                [&property, value] { property.take(value); },
+                [&property, old = property.m_value] { property.take(old); },
+                property.m_deleteSignaler,
+                property.m_undoText,
+                *property.m_undoId)
+            , m_old(property.m_value)
+            , m_new(value)
+        {}
+
+        /// Obsolete, which the history drops, where \p other goes back to the value before this change.
+        bool mergeWith(const QUndoCommand* other) override
+        {
+            const auto* change = dynamic_cast<const Change*>(other);
+            if (change == nullptr || !GenericUndoCommand::mergeWith(other)) {
+                return false;
+            }
+            m_new = change->m_new;
+            setObsolete(*m_new == *m_old);
+            return true;
+        }
+
+    private:
+        Value m_old;
+        Value m_new;
+    };
+
+    void take(const Value& value)
     {
         m_value = value;
         try {
@@ -82,7 +112,7 @@ private:
         corvane::PropertyAbstract<T>::emitValueChangedSignal(*value);
     }
 
-    boost::shared_ptr<const T> m_value;
+    Value m_value;
     Write m_write;
     Write m_check;
     QString m_undoText;

@@ -73,8 +73,7 @@ ListedFilter::PropertyPtr<T> ListedFilter::makeProperty(
 {
     auto property = boost::make_shared<FilterProperty<T>>(
         initial, write, QString(undoText).arg(QString::fromStdString(m_name)), m_undoId, check);
-    m_connections.emplace_back(
-        property->valueChanged.connect([this](const T&) { signalChanged(); }));
+    m_connections.add(property->valueChanged.connect([this](const T&) { signalChanged(); }));
     return property;
 }
 

@@ -6,10 +6,10 @@
 #include <dataviews/platform/data/WeakPtr.h>
 #include <dataviews/platform/property/ValueRange_s.h>
 #include <dataviews/platform/signals/Signal.h>
+#include <dataviews/platform/signals/SignalConnectionCollection.h>
 
 #include <boost/function.hpp>
 #include <boost/shared_ptr.hpp>
-#include <boost/signals2/connection.hpp>
 
 #include <set>
 #include <string>
@@ -99,8 +99,7 @@ private:
     std::string m_name;
     boost::shared_ptr<FilterInterface> m_filter;
     boost::shared_ptr<int> m_undoId; ///< of the gesture; -1 outside of one
-    std::vector<boost::signals2::scoped_connection>
-        m_connections; ///< before the properties, which add to it
+    SignalConnectionCollection m_connections; ///< before the properties, which add to it
     PropertyPtr<bool> m_enabled;
     PropertyPtr<bool> m_inverted;
     PropertyPtr<Range> m_range;

@@ -9,6 +9,8 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstdint>
+#include <string>
 #include <string_view>
 #include <type_traits>
 #include <unordered_set>

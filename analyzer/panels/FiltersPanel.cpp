@@ -2,7 +2,9 @@
 #include <analyzer/panels/FilterRow.h>
 #include <analyzer/panels/FiltersPanel.h>
 #include <analyzer/panels/VerticalScrollArea.h>
-#include <analyzer/panels/countText.h>
+#include <analyzer/panels/announce.h>
+#include <analyzer/panels/withoutMnemonic.h>
+#include <analyzer/views/countText.h>
 
 #include <dataviews/platform/data/Project.h>
 #include <dataviews/platform/pipeline/DataPipelineManager.h>
@@ -26,10 +28,9 @@ namespace analyzer {
 
 namespace {
 
-/// As a text of a menu, which takes an ampersand for a mark of a key.
 QString menuText(const std::string& name)
 {
-    return QString::fromStdString(name).simplified().replace('&', QStringLiteral("&&"));
+    return withoutMnemonic(QString::fromStdString(name).simplified());
 }
 
 /// All numbers of the variable.
@@ -161,6 +162,7 @@ void FiltersPanel::addFilter(const boost::function<boost::shared_ptr<ListedFilte
     } catch (const std::exception& error) {
         m_problem->setText(QString::fromUtf8(error.what()));
         m_problem->show();
+        announce(*m_problem);
     }
 }
 

@@ -4,7 +4,9 @@
 #include <analyzer/panels/RangeFilterField.h>
 #include <analyzer/panels/RangeHandle.h>
 #include <analyzer/panels/RangeSlider.h>
-#include <analyzer/panels/countText.h>
+#include <analyzer/panels/announce.h>
+#include <analyzer/views/countText.h>
+#include <analyzer/views/realText.h>
 
 #include <dataviews/platform/data/Variable.h>
 #include <dataviews/platform/property/ExceptionBase.h>
@@ -15,7 +17,6 @@
 #include <QLineEdit>
 #include <QVBoxLayout>
 
-#include <charconv>
 #include <cmath>
 #include <exception>
 #include <string>
@@ -30,24 +31,15 @@ constexpr std::size_t binCount = 64;
 
 QString numberText(double number)
 {
-    constexpr int significantDigits = 10;
-    const double unsignedZero = number + 0.0;
-    return std::isfinite(number) ? QString::number(unsignedZero, 'g', significantDigits)
-                                 : QString::fromLatin1(number < 0.0 ? "-inf" : "inf");
+    return QString::fromStdString(realText(number));
 }
 
 /// \throws ExceptionBase with a sentence.
 double readNumber(const QString& text)
 {
     const std::string trimmed = text.trimmed().toStdString();
-    const char* first = trimmed.data();
-    const char* const last = first + trimmed.size();
-    if (trimmed.size() > 1 && trimmed[0] == '+' && trimmed[1] != '-') {
-        ++first;
-    }
     double number = 0.0;
-    const auto [rest, error] = std::from_chars(first, last, number);
-    if (error != std::errc() || rest != last || std::isnan(number)) {
+    if (readReal(trimmed, number) != std::errc() || std::isnan(number)) {
         throw ExceptionBase(
             (trimmed.empty() ? std::string("An empty field") : "\"" + trimmed + "\"")
             + " is no number; write one such as 0.25, or -inf or inf for an open end.");
@@ -69,8 +61,7 @@ RangeFilterField::RangeFilterField(boost::shared_ptr<ListedFilter> filter, QWidg
     layout->setContentsMargins(0, 0, 0, 0);
     auto* fields = new QHBoxLayout;
     fields->addWidget(m_min, 1);
-    auto* dash = new QLabel(tr("to"), this);
-    fields->addWidget(dash);
+    fields->addWidget(new QLabel(tr("to"), this));
     fields->addWidget(m_max, 1);
     layout->addLayout(fields);
     for (QLabel* label : {m_problem, m_note}) {
@@ -183,6 +174,10 @@ void RangeFilterField::retire()
     m_connections.clear();
     m_moveTimer.stop();
     m_moved.reset();
+    for (QLineEdit* field : {m_min, m_max}) {
+        field->disconnect(this);
+        field->removeEventFilter(this);
+    }
     if (m_slider != nullptr) {
         m_slider->disconnect(this);
     }
@@ -190,10 +185,21 @@ void RangeFilterField::retire()
 
 bool RangeFilterField::eventFilter(QObject* watched, QEvent* event)
 {
-    if ((watched == m_min || watched == m_max) && event->type() == QEvent::KeyPress
+    auto* field = qobject_cast<QLineEdit*>(watched);
+    if (field != m_min && field != m_max) {
+        return QWidget::eventFilter(watched, event);
+    }
+    if (event->type() == QEvent::KeyPress
         && static_cast<QKeyEvent*>(event)->key() == Qt::Key_Escape) {
         showRange();
         return true;
+    }
+    if (event->type() == QEvent::ShortcutOverride && !field->isModified()) {
+        const auto* key = static_cast<QKeyEvent*>(event);
+        if (key->matches(QKeySequence::Undo) || key->matches(QKeySequence::Redo)) {
+            event->ignore(); // there is nothing typed to undo: the key is the window's
+            return true;
+        }
     }
     return QWidget::eventFilter(watched, event);
 }
@@ -231,6 +237,7 @@ void RangeFilterField::takeTexts()
     } catch (const std::exception& error) {
         m_problem->setText(QString::fromUtf8(error.what()));
         m_problem->show();
+        announce(*m_problem);
     }
 }
 

@@ -41,7 +41,7 @@ public:
     /// Puts the controls behind \p before and gives the last one.
     QWidget* placeInTabOrder(QWidget* before);
 
-    /// Forgets a move that is not applied yet: the filter has left the list.
+    /// Forgets what is moved or typed and not applied yet: the filter has left the list.
     void retire();
 
 protected:

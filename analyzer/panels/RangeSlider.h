@@ -42,7 +42,7 @@ public:
     /// Hatches what is inside of the range instead, or nothing.
     void setKept(bool inverted, bool enabled);
 
-    /// Object names: \p name and, for the handles, that with "-lower" and "-upper" in place of "-slider".
+    /// Object names: \p prefix with "-slider" and, for the handles, with "-lower" and "-upper".
     void setNames(const QString& prefix);
 
     [[nodiscard]] RangeHandle& lowerHandle() const { return *m_lower; }

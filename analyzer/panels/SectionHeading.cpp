@@ -1,4 +1,5 @@
 #include <analyzer/panels/SectionHeading.h>
+#include <analyzer/panels/withoutMnemonic.h>
 
 #include <QStyleOptionToolButton>
 #include <QStylePainter>
@@ -9,7 +10,7 @@ SectionHeading::SectionHeading(const QString& section, QWidget* parent)
     : QToolButton(parent)
 {
     setObjectName(QStringLiteral("section-") + section);
-    setText(QString(section).replace(QLatin1Char('&'), QLatin1String("&&")));
+    setText(withoutMnemonic(section));
     setAccessibleName(section);
     setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
     setAutoRaise(true);

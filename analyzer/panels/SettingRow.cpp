@@ -1,7 +1,6 @@
 #include <analyzer/panels/SettingRow.h>
+#include <analyzer/panels/announce.h>
 
-#include <QAccessible>
-#include <QAccessibleEvent>
 #include <QApplication>
 #include <QEvent>
 #include <QGridLayout>
@@ -142,8 +141,7 @@ void SettingRow::showProblem(const QString& problem)
         m_waitsForRelease = m_problem->isHidden();
         qApp->installEventFilter(this);
     }
-    QAccessibleEvent alert(m_problem, QAccessible::Alert);
-    QAccessible::updateAccessibility(&alert);
+    announce(*m_problem);
 }
 
 void SettingRow::revealProblem()
@@ -175,6 +173,7 @@ void SettingRow::clearProblem()
     if (m_problem == nullptr) {
         return;
     }
+    qApp->removeEventFilter(this);
     delete m_problem;
     m_problem = nullptr;
     m_waitsForRelease = false;

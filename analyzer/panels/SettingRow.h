@@ -15,8 +15,8 @@ namespace analyzer {
 /// One setting in a form: its label, its field, and below the field why the last value was refused.
 ///
 /// The label that says why has the setting's name with "-problem" as object name, and is there only while there is
-/// something to say. Said in the middle of a click, on leaving a field by mouse, it comes into sight after the click: what
-/// is clicked would move away from under the mouse.
+/// something to say. Said in the middle of a click, on leaving a field by mouse, it comes into sight after the click:
+/// what is clicked would move away from under the mouse.
 class SettingRow : public QObject
 {
 public:

@@ -2,7 +2,7 @@
 #include <analyzer/panels/CheckListDelegate.h>
 #include <analyzer/panels/ValueFilterField.h>
 #include <analyzer/panels/ValueListModel.h>
-#include <analyzer/panels/countText.h>
+#include <analyzer/views/countText.h>
 
 #include <QHBoxLayout>
 #include <QKeyEvent>

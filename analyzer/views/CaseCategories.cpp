@@ -1,11 +1,16 @@
 #include <analyzer/views/CaseCategories.h>
 #include <analyzer/views/withNumbers.h>
 
+#include <dataviews/platform/data/Project.h>
 #include <dataviews/platform/data/Variable.h>
 #include <dataviews/platform/data/variantDisplayText.h>
 #include <dataviews/platform/property/ExceptionBase.h>
 
+#include <QtGlobal>
+
+#include <vtkIntArray.h>
 #include <vtkStringArray.h>
+#include <vtkTable.h>
 
 #include <algorithm>
 #include <cmath>
@@ -29,14 +34,20 @@ bool CaseCategories::canDivideBy(const Variable& variable)
     return variable.distinctValueCount() <= largestCount;
 }
 
-CaseCategories::CaseCategories(const Variable& variable)
+void CaseCategories::checkCanDivideBy(const Variable& variable)
 {
     if (!canDivideBy(variable)) {
         throw ExceptionBase(
             "\"" + variable.name() + "\" has " + countText(variable.distinctValueCount())
             + " different values; colors tell at most " + std::to_string(largestCount) + " apart.");
     }
+}
+
+CaseCategories::CaseCategories(const Variable& variable)
+{
+    checkCanDivideBy(variable);
     const std::vector<Variant> values = variable.distinctValues();
+    m_names.reserve(values.size());
     for (const Variant& value : values) {
         m_names.push_back(value.isNumber() ? variantDisplayText(value) : value.toString());
     }
@@ -55,6 +66,7 @@ CaseCategories::CaseCategories(const Variable& variable)
         }
     } else {
         std::vector<double> numbers;
+        numbers.reserve(values.size());
         for (const Variant& value : values) {
             numbers.push_back(value.toReal());
         }
@@ -69,6 +81,32 @@ CaseCategories::CaseCategories(const Variable& variable)
         });
     }
     m_hasMissing = std::find(m_ofRow.begin(), m_ofRow.end(), none) != m_ofRow.end();
+}
+
+std::vector<std::uint8_t> CaseCategories::ofCases(vtkTable& cases) const
+{
+    auto* const column = vtkIntArray::SafeDownCast(cases.GetColumn(0));
+    auto* const all = vtkIntArray::SafeDownCast(Project::project().table().GetColumn(0));
+    Q_ASSERT_X(column != nullptr && all != nullptr, "ofCases", "column 0 holds no case IDs");
+    const int* next = all->GetPointer(0);
+    const int* const end = next + all->GetNumberOfValues();
+    Q_ASSERT_X(
+        static_cast<std::size_t>(end - next) == m_ofRow.size(),
+        "ofCases",
+        "the variable is of another study");
+    const std::uint8_t* category = m_ofRow.data();
+    const int* const ids = column->GetPointer(0);
+    std::vector<std::uint8_t> categories(static_cast<std::size_t>(column->GetNumberOfValues()));
+    // The orders are the same, so one walk along both is enough; looking up each case would cost a hash.
+    for (std::size_t i = 0; i < categories.size(); ++i) {
+        while (next != end && *next != ids[i]) {
+            ++next;
+            ++category;
+        }
+        Q_ASSERT_X(next != end, "ofCases", "the cases are not in the order of the study");
+        categories[i] = *category;
+    }
+    return categories;
 }
 
 } // namespace analyzer

@@ -6,6 +6,7 @@
 #include <vector>
 
 class Variable;
+class vtkTable;
 
 namespace analyzer {
 
@@ -23,6 +24,9 @@ public:
     [[nodiscard]] static bool canDivideBy(const Variable& variable);
 
     /// \throws ExceptionBase with a sentence for people if canDivideBy() is false.
+    static void checkCanDivideBy(const Variable& variable);
+
+    /// \throws ExceptionBase as checkCanDivideBy() does.
     explicit CaseCategories(const Variable& variable);
 
     /// The values as people read them, UTF-8; the category of missing values has no name.
@@ -34,12 +38,13 @@ public:
     /// Whether some case has no value.
     [[nodiscard]] bool hasMissing() const { return m_hasMissing; }
 
-    /// The category of the case in \p row of the study.
-    [[nodiscard]] std::size_t ofRow(std::size_t row) const { return m_ofRow[row]; }
+    /// The category of each row of \p cases: a table whose column 0 holds IDs of cases of the open study, as int and in
+    /// the order of the study. The variable is one of that study.
+    [[nodiscard]] std::vector<std::uint8_t> ofCases(vtkTable& cases) const;
 
 private:
     std::vector<std::string> m_names;
-    std::vector<std::uint8_t> m_ofRow;
+    std::vector<std::uint8_t> m_ofRow; ///< of the study
     bool m_hasMissing = false;
 };
 

@@ -3,6 +3,7 @@
 #include <analyzer/views/CaseTableWidget.h>
 #include <analyzer/views/CellHover.h>
 #include <analyzer/views/HoveredCase.h>
+#include <analyzer/views/countText.h>
 #include <analyzer/views/hoverOutline.h>
 
 #include <QContextMenuEvent>
@@ -437,8 +438,9 @@ int CaseTableWidget::firstSelectedViewRow() const
 void CaseTableWidget::describeSelection()
 {
     setAccessibleDescription(tr("%1 of %2 cases selected")
-                                 .arg(static_cast<qulonglong>(m_selection.count()))
-                                 .arg(m_model.rowCount()));
+                                 .arg(
+                                     countText(m_selection.count()),
+                                     countText(static_cast<std::size_t>(m_model.rowCount()))));
 }
 
 // ---- the hovered case

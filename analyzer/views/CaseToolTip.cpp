@@ -1,4 +1,5 @@
 #include <analyzer/views/CaseToolTip.h>
+#include <analyzer/views/countText.h>
 
 #include <dataviews/common/images/AsyncImageCache.h>
 #include <dataviews/common/images/AsyncImageLoader.h>
@@ -192,7 +193,7 @@ void CaseToolTip::fill(const Record& record)
         add(all[i]);
     }
     const std::size_t further = all.size() - std::min(all.size(), m_values.size());
-    m_further = further == 0 ? QString() : tr("…and %1 more").arg(static_cast<qulonglong>(further));
+    m_further = further == 0 ? QString() : tr("…and %1 more").arg(countText(further));
 }
 
 void CaseToolTip::requestPicture(const std::string& path)

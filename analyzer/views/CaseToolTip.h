@@ -51,7 +51,8 @@ public:
     ~CaseToolTip() override;
 
     /// The mouse is on the case \p caseID, at \p mouse on the screen: shows the values of \p variables, those that
-    /// there are, and then those of the other variables of the study, maxValues at most. Nothing for a case that the study does not have.
+    /// there are, and then those of the other variables of the study, maxValues at most. Nothing for a case that the
+    /// study does not have.
     void showCase(
         unsigned long long caseID,
         const std::vector<WeakPtr<Variable>>& variables,

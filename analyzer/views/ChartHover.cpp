@@ -369,18 +369,16 @@ void ChartHover::placeMark()
     if (!m_widget || !m_mark) {
         return;
     }
-    const bool isDrawable = m_point && hasAxes();
-    if (!isDrawable) {
+    if (!m_point || !hasAxes()) {
         m_mark->hide();
         return;
     }
     const Plot& plot = m_plots[m_point->plot];
-    const double x = AxisMapping(*m_chart->GetAxis(vtkAxis::BOTTOM), 0)
-                         .toPixel(plot.x->GetComponent(m_point->row, 0));
-    const double y = AxisMapping(*m_chart->GetAxis(vtkAxis::LEFT), 1)
-                         .toPixel(plot.y->GetComponent(m_point->row, 0));
-    if (!AxisMapping(*m_chart->GetAxis(vtkAxis::BOTTOM), 0).contains(x)
-        || !AxisMapping(*m_chart->GetAxis(vtkAxis::LEFT), 1).contains(y)) {
+    const AxisMapping bottom(*m_chart->GetAxis(vtkAxis::BOTTOM), 0);
+    const AxisMapping left(*m_chart->GetAxis(vtkAxis::LEFT), 1);
+    const double x = bottom.toPixel(plot.x->GetComponent(m_point->row, 0));
+    const double y = left.toPixel(plot.y->GetComponent(m_point->row, 0));
+    if (!bottom.contains(x) || !left.contains(y)) {
         m_mark->hide();
         return;
     }

@@ -54,7 +54,8 @@ public:
     };
 
     /// \p widget has its render window, which shows \p chart, and keeps it. It may go before this object; then nothing
-    /// is hovered or marked here any more. Takes the chart's own tool tip away. \p images gives the pictures of the tool tip; without one there are none.
+    /// is hovered or marked here any more. Takes the chart's own tool tip away. \p images gives the pictures of the
+    /// tool tip; without one there are none.
     ChartHover(
         QVTKOpenGLNativeWidget& widget,
         ChartXY& chart,

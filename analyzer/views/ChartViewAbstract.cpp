@@ -29,6 +29,7 @@
 #include <QContextMenuEvent>
 #include <QMouseEvent>
 #include <QPalette>
+#include <QScopedValueRollback>
 
 #include <vtkAxis.h>
 #include <vtkBrush.h>
@@ -58,8 +59,8 @@ namespace analyzer {
 
 namespace {
 
-constexpr double pickReach =
-    5.0; // device pixels around the mouse, as around a click of the chart's own
+// Device pixels around the mouse, as around a click of the chart's own.
+constexpr double pickReach = 5.0;
 constexpr int axisTitleSize = 12; // points
 constexpr int tickLabelSize = 11;
 
@@ -71,7 +72,10 @@ constexpr std::uint64_t largestPointSize = 40;
 constexpr std::uint64_t defaultOpacity = 80; // percent
 constexpr std::uint64_t largestOpacity = 100;
 
-// Okabe and Ito's vermilion and yellow: told apart from the colors of points with every common kind of color blindness.
+// Okabe and Ito's blues for points, vermilion and yellow for selected ones: told apart with every common kind of color
+// blindness.
+constexpr ColorBytes pointColor = {0, 114, 178};
+constexpr ColorBytes pointColorOnDark = {86, 180, 233};
 constexpr ColorBytes selectedColor = {213, 94, 0};
 constexpr ColorBytes selectedColorOnDark = {240, 228, 66};
 
@@ -307,7 +311,13 @@ void ChartViewAbstract::start(
         m_connections.add(
             variable->valueChanged.connect([this](const WeakPtr<Variable>&) { takeTable(); }));
     }
-    m_connections.add(m_filteredOut->valueChanged.connect([this](FilteredOut) { takeTable(); }));
+    m_connections.add(m_filteredOut->valueChanged.connect([this](FilteredOut) {
+        takeTable();
+        // Cases that appear are to be seen, unless the user looks at something else.
+        for (std::size_t axis = 0; axis < axisIndexes.size(); ++axis) {
+            m_isFitPending[axis] = m_isFitPending[axis] || m_isFitted[axis];
+        }
+    }));
     m_connections.add(m_showLegend->valueChanged.connect([this](bool) { applyAppearance(); }));
     for (const auto& number : {m_pointSize, m_opacity}) {
         m_connections.add(
@@ -473,6 +483,9 @@ void ChartViewAbstract::takeTable()
 
 void ChartViewAbstract::applyAppearance()
 {
+    if (!m_widget) {
+        return; // gone with its parent; nobody sees the chart any more
+    }
     const QPalette palette = m_widget->palette();
     const AppearanceColors colors{
         palette.color(QPalette::Base),
@@ -564,20 +577,35 @@ QPoint ChartViewAbstract::placeOfRow(vtkPlotPoints& plot, long long row) const
         static_cast<int>(std::lround((m_widget->height() * ratio - 1 - y) / ratio))};
 }
 
+ColorBytes ChartViewAbstract::plainColor(const AppearanceColors& colors)
+{
+    return colors.isDark ? pointColorOnDark : pointColor;
+}
+
+float ChartViewAbstract::devicePixels(double size) const
+{
+    return static_cast<float>(size * m_widget->devicePixelRatioF());
+}
+
 float ChartViewAbstract::pointSizePx() const
 {
-    return static_cast<float>(
-        static_cast<double>(m_pointSize->value()) * m_widget->devicePixelRatioF());
+    return devicePixels(static_cast<double>(m_pointSize->value()));
 }
 
 float ChartViewAbstract::legendMarkerPx() const
 {
-    return static_cast<float>(legendMarkerSize * m_widget->devicePixelRatioF());
+    return devicePixels(legendMarkerSize);
 }
 
 double ChartViewAbstract::opacity() const
 {
     return static_cast<double>(m_opacity->value()) / static_cast<double>(largestOpacity);
+}
+
+unsigned char ChartViewAbstract::alpha() const
+{
+    constexpr double opaque = 255.0;
+    return static_cast<unsigned char>(std::lround(opacity() * opaque));
 }
 
 void ChartViewAbstract::buildChart()
@@ -727,10 +755,9 @@ void ChartViewAbstract::fitLater(int axis)
     if (const boost::shared_ptr<Variable> variable = property->value().lock()) {
         const ValueRange_s<double> range = variable->range();
         if (range.min < range.max) {
-            m_isSettingRange = true;
+            const QScopedValueRollback<bool> settingRange(m_isSettingRange, true);
             m_chart->GetAxis(axisIndexes[static_cast<std::size_t>(axis)])
                 ->SetRange(range.min, range.max);
-            m_isSettingRange = false;
         }
     }
     m_isFitPending[static_cast<std::size_t>(axis)] = true;
@@ -774,6 +801,7 @@ void ChartViewAbstract::renderingEnds()
                 ->SetBehavior(
                     details.useCustomGridSpacing()->value() ? vtkAxis::CUSTOM : vtkAxis::FIXED);
             m_isFitPending[axis] = !wasPainted;
+            m_isFitted[axis] = wasPainted;
         }
     }
 }
@@ -790,8 +818,12 @@ void ChartViewAbstract::axisModified()
     }
     if (!m_isSettingRange) {
         // Whoever sets a range wants that and no other.
-        m_isFitPending[0] = m_isFitPending[0] && ranges[0] == before[0] && ranges[1] == before[1];
-        m_isFitPending[1] = m_isFitPending[1] && ranges[2] == before[2] && ranges[3] == before[3];
+        for (std::size_t axis = 0; axis < axisIndexes.size(); ++axis) {
+            const bool isSame = ranges[2 * axis] == before[2 * axis]
+                && ranges[2 * axis + 1] == before[2 * axis + 1];
+            m_isFitPending[axis] = m_isFitPending[axis] && isSame;
+            m_isFitted[axis] = m_isFitted[axis] && isSame;
+        }
     }
     markForPainting();
 }

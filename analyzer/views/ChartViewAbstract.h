@@ -155,8 +155,8 @@ protected:
     void addPointSettings();
     void addSetting(boost::shared_ptr<SettingInterface> setting);
 
-    /// Shows the cases of \p table in the plots; column 0 is the case ID, and those of the axes' variables hold
-    /// numbers.
+    /// Shows the cases of \p table in the plots: some of the open study in its order. Column 0 is the case ID, as int;
+    /// those of the axes' variables hold numbers.
     virtual void showTable(vtkTable& table) = 0;
 
     /// There is nothing to draw.
@@ -208,23 +208,29 @@ protected:
 
     [[nodiscard]] SignalConnectionCollection& connections() { return m_connections; }
 
-    /// The diameter of the points in device-independent pixels.
-    [[nodiscard]] std::uint64_t pointSize() const { return m_pointSize->value(); }
+    /// The color of points that have no color by a variable.
+    [[nodiscard]] static ColorBytes plainColor(const AppearanceColors& colors);
 
-    /// The same in device pixels.
+    /// \p size device-independent pixels in device pixels, those of the chart.
+    [[nodiscard]] float devicePixels(double size) const;
+
+    /// The diameter of the points in device pixels.
     [[nodiscard]] float pointSizePx() const;
 
     /// The diameter of the markers in legends in device pixels.
     [[nodiscard]] float legendMarkerPx() const;
 
-    /// From 0 to 1.
+    /// Of the points, from 0 to 1.
     [[nodiscard]] double opacity() const;
+
+    /// The same from 0 to 255.
+    [[nodiscard]] unsigned char alpha() const;
 
 private:
     void buildChart();
     void buildProperties();
     void chooseFirstVariables();
-    void showFilteredOut(bool isDrawable);
+    void showFilteredOut(bool isWanted);
     void variableChanged(int axis);
     void fitLater(int axis);
     void renderingStarts();
@@ -263,7 +269,7 @@ private:
     vtkSmartPointer<vtkCvCommandProxy> m_endObserver;
     std::array<double, 4> m_axisRanges = {}; ///< as last seen: bottom, left
     std::array<bool, 2> m_isFitPending = {true, true}; ///< at the next picture: bottom, left
-    std::array<int, 2> m_behaviors = {}; ///< of the axes, while a fit is made
+    std::array<bool, 2> m_isFitted = {}; ///< shows what the last fit gave: bottom, left
     bool m_isFitting = false;
     bool m_isSettingRange = false;
     bool m_isDrawable = false;

@@ -93,6 +93,14 @@ void ImageCanvas::setMessage(const QString& message)
     changeView();
 }
 
+void ImageCanvas::setOutlined(bool isOutlined)
+{
+    if (isOutlined != m_isOutlined) {
+        m_isOutlined = isOutlined;
+        update();
+    }
+}
+
 QSize ImageCanvas::pictureSize() const
 {
     return m_levels.empty() ? QSize() : m_levels.front().size();
@@ -252,14 +260,6 @@ void ImageCanvas::paintEvent(QPaintEvent* /*event*/)
     painter.drawPixmap(0, 0, m_frame);
     if (m_isOutlined) {
         drawHoverOutline(painter, rect());
-    }
-}
-
-void ImageCanvas::setOutlined(bool isOutlined)
-{
-    if (isOutlined != m_isOutlined) {
-        m_isOutlined = isOutlined;
-        update();
     }
 }
 

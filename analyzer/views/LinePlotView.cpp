@@ -1,7 +1,7 @@
-#include <analyzer/views/ChoiceSetting.h>
 #include <analyzer/views/LinePlotView.h>
 #include <analyzer/views/NumberSetting.h>
 #include <analyzer/views/VariableSetting.h>
+#include <analyzer/views/paletteSetting.h>
 #include <analyzer/views/withNumbers.h>
 
 #include <dataviews/common/charts/RingedPlotLine.h>
@@ -13,18 +13,16 @@
 #include <dataviews/platform/data/Project.h>
 #include <dataviews/platform/undo/UndoStack.h>
 
-#include <vtkDoubleArray.h>
-#include <vtkIntArray.h>
+#include <vtkAbstractArray.h>
 #include <vtkLookupTable.h>
 #include <vtkNew.h>
-#include <vtkPen.h>
 #include <vtkTable.h>
 
 #include <boost/make_shared.hpp>
 
 #include <algorithm>
-#include <cmath>
-#include <utility>
+#include <numeric>
+#include <type_traits>
 
 namespace analyzer {
 
@@ -34,36 +32,41 @@ constexpr std::uint64_t defaultLineWidth = 2; // device-independent pixels
 constexpr std::uint64_t largestLineWidth = 20;
 constexpr std::size_t fewSeries = 12; ///< as many are chosen without being asked for
 
-// As the points of XY charts.
-constexpr ColorBytes lineColor = {0, 114, 178};
-constexpr ColorBytes lineColorOnDark = {86, 180, 233};
-
 bool canBeSeries(const Variable& variable)
 {
     return !variable.isNumeric() || CaseCategories::canDivideBy(variable);
 }
 
-std::vector<double> numbersOf(vtkAbstractArray* column, vtkIdType count)
+/// Brings \p rows into the order of their values in \p column, one of numbers; equal ones keep theirs.
+void sortBy(vtkAbstractArray* column, std::vector<vtkIdType>& rows)
 {
-    std::vector<double> numbers(static_cast<std::size_t>(count));
-    withNumbers(column, [&](const auto* values) {
-        std::transform(values, values + count, numbers.begin(), [](auto value) {
-            return static_cast<double>(value);
-        });
+    withNumbers(column, [&rows](const auto* values) {
+        const auto isLess = [values](vtkIdType left, vtkIdType right) {
+            return values[left] < values[right];
+        };
+        // As it mostly is where X is a time.
+        if (!std::is_sorted(rows.begin(), rows.end(), isLess)) {
+            std::stable_sort(rows.begin(), rows.end(), isLess);
+        }
     });
-    return numbers;
 }
 
-vtkSmartPointer<vtkDoubleArray> chosen(
-    const std::vector<double>& numbers, const std::vector<vtkIdType>& rows, const char* name)
+/// The values of \p column, one of numbers, in \p rows.
+vtkSmartPointer<vtkAbstractArray> valuesIn(
+    vtkAbstractArray* column, const std::vector<vtkIdType>& rows)
 {
-    const auto column = vtkSmartPointer<vtkDoubleArray>::New();
-    column->SetName(name);
-    column->SetNumberOfValues(static_cast<vtkIdType>(rows.size()));
-    std::transform(rows.begin(), rows.end(), column->GetPointer(0), [&numbers](vtkIdType row) {
-        return numbers[static_cast<std::size_t>(row)];
+    auto result = vtkSmartPointer<vtkAbstractArray>::Take(column->NewInstance());
+    result->SetName(column->GetName());
+    result->SetNumberOfTuples(static_cast<vtkIdType>(rows.size()));
+    withNumbers(column, [&](const auto* values) {
+        using Value = std::decay_t<decltype(*values)>;
+        std::transform(
+            rows.begin(),
+            rows.end(),
+            static_cast<Value*>(result->GetVoidPointer(0)),
+            [values](vtkIdType row) { return values[row]; });
     });
-    return column;
+    return result;
 }
 
 } // namespace
@@ -135,23 +138,12 @@ std::vector<vtkSmartPointer<vtkPlotPoints>> LinePlotView::visiblePlots() const
 void LinePlotView::showTable(vtkTable& table)
 {
     updateSeries();
-    const vtkIdType count = table.GetNumberOfRows();
-    const std::string xName = variableName(xVariableProperty()->value());
-    const std::string yName = variableName(yVariableProperty()->value());
-    const std::vector<double> x = numbersOf(table.GetColumnByName(xName.c_str()), count);
-    const std::vector<double> y = numbersOf(table.GetColumnByName(yName.c_str()), count);
-    vtkIntArray* caseIDs = vtkIntArray::SafeDownCast(table.GetColumn(0));
-
-    std::vector<std::vector<vtkIdType>> rowsOf(m_lines.size());
-    for (vtkIdType i = 0; i < count; ++i) {
-        std::size_t series = 0;
-        if (m_series) {
-            const auto row =
-                Project::project().row(static_cast<unsigned long long>(caseIDs->GetValue(i)));
-            series = row ? m_series->ofRow(*row) : m_series->missing();
-        }
-        rowsOf[series].push_back(i);
-    }
+    vtkAbstractArray* const caseIDs = table.GetColumn(0);
+    vtkAbstractArray* const x =
+        table.GetColumnByName(variableName(xVariableProperty()->value()).c_str());
+    vtkAbstractArray* const y =
+        table.GetColumnByName(variableName(yVariableProperty()->value()).c_str());
+    std::vector<std::vector<vtkIdType>> rowsOf = rowsOfSeries(table);
     for (std::size_t i = 0; i < m_lines.size(); ++i) {
         std::vector<vtkIdType>& rows = rowsOf[i];
         RingedPlotLine& line = *m_lines[i];
@@ -160,27 +152,16 @@ void LinePlotView::showTable(vtkTable& table)
             continue;
         }
         // Cases with the same X stay in the order of the study.
-        std::stable_sort(rows.begin(), rows.end(), [&x](vtkIdType left, vtkIdType right) {
-            return x[static_cast<std::size_t>(left)] < x[static_cast<std::size_t>(right)];
-        });
-        const vtkNew<vtkIntArray> ids;
-        ids->SetName(caseIDs->GetName());
-        ids->SetNumberOfValues(static_cast<vtkIdType>(rows.size()));
-        std::transform(rows.begin(), rows.end(), ids->GetPointer(0), [caseIDs](vtkIdType row) {
-            return caseIDs->GetValue(row);
-        });
-        const vtkNew<vtkTable> series;
-        series->AddColumn(ids);
-        series->AddColumn(chosen(x, rows, xName.c_str()));
-        if (yName != xName) {
-            series->AddColumn(chosen(y, rows, yName.c_str()));
+        sortBy(x, rows);
+        const vtkNew<vtkTable> cases;
+        for (vtkAbstractArray* column : {caseIDs, x}) {
+            cases->AddColumn(valuesIn(column, rows));
         }
-        line.SetInputData(series);
-        if (!m_series) {
-            line.SetLabel(yName);
-        } else {
-            line.SetLabel(i < m_series->names().size() ? m_series->names()[i] : "(missing)");
+        if (y != x) {
+            cases->AddColumn(valuesIn(y, rows));
         }
+        line.SetInputData(cases);
+        line.SetLabel(seriesName(i));
     }
 }
 
@@ -220,14 +201,14 @@ void LinePlotView::chooseFurtherVariables()
 
 void LinePlotView::applyOwnAppearance(const AppearanceColors& colors)
 {
-    constexpr double opaque = 255.0;
-    const auto alpha = static_cast<unsigned char>(std::lround(opacity() * opaque));
-    const float pixel = pointSizePx() / static_cast<float>(pointSize());
+    const vtkNew<vtkLookupTable> palette;
+    applyColorPalette(*palette, m_palette->value());
+    palette->SetRange(0.0, 1.0);
     for (std::size_t i = 0; i < m_lines.size(); ++i) {
         RingedPlotLine& line = *m_lines[i];
-        const ColorBytes color = seriesColor(i, colors.isDark);
-        line.SetColor(color[0], color[1], color[2], alpha);
-        line.SetWidth(static_cast<float>(m_lineWidth->value()) * pixel);
+        const ColorBytes color = seriesColor(i, colors, *palette);
+        line.SetColor(color[0], color[1], color[2], alpha());
+        line.SetWidth(devicePixels(static_cast<double>(m_lineWidth->value())));
         line.SetMarkerSize(pointSizePx());
         line.setSelectionColors(selectionColors(colors, false));
     }
@@ -243,19 +224,7 @@ void LinePlotView::addSettings()
         "variables of few values",
         "(none)",
         [this](const WeakPtr<Variable>& variable) { chooseSeries(variable); });
-    const auto palette = boost::make_shared<ChoiceSetting<ColorPalette>>(
-        SettingInterface::Kind::Choice,
-        "palette",
-        "Palette",
-        m_palette,
-        ChoiceSetting<ColorPalette>::NamedValues{
-            {"viridis", ColorPalette::Viridis},
-            {"cividis", ColorPalette::Cividis},
-            {"coolwarm", ColorPalette::CoolWarm}});
-    palette->enableWhile(m_seriesVariable, [](const WeakPtr<Variable>& variable) {
-        const boost::shared_ptr<Variable> locked = variable.lock();
-        return locked && locked->isNumeric();
-    });
+    const auto palette = makePaletteSetting(m_palette, m_seriesVariable);
     const auto width = boost::make_shared<NumberSetting>(
         "line-width",
         "Line width",
@@ -275,7 +244,7 @@ void LinePlotView::addSettings()
 void LinePlotView::chooseSeries(const WeakPtr<Variable>& variable) const
 {
     if (const boost::shared_ptr<Variable> locked = variable.lock()) {
-        const CaseCategories check(*locked); // refuses too many
+        CaseCategories::checkCanDivideBy(*locked);
     }
     m_seriesVariable->setValue(variable);
 }
@@ -294,28 +263,49 @@ void LinePlotView::updateSeries()
     }
 }
 
-ColorBytes LinePlotView::seriesColor(std::size_t series, bool isDark) const
+std::vector<std::vector<vtkIdType>> LinePlotView::rowsOfSeries(vtkTable& table) const
+{
+    std::vector<std::vector<vtkIdType>> rowsOf(m_lines.size());
+    if (m_series) {
+        vtkIdType row = 0;
+        for (const std::uint8_t series : m_series->ofCases(table)) {
+            rowsOf[series].push_back(row++);
+        }
+    } else {
+        rowsOf.front().resize(static_cast<std::size_t>(table.GetNumberOfRows()));
+        std::iota(rowsOf.front().begin(), rowsOf.front().end(), vtkIdType(0));
+    }
+    return rowsOf;
+}
+
+std::string LinePlotView::seriesName(std::size_t series) const
 {
     if (!m_series) {
-        return isDark ? lineColorOnDark : lineColor;
+        return variableName(yVariableProperty()->value());
+    }
+    return series < m_series->names().size() ? m_series->names()[series] : "(missing)";
+}
+
+ColorBytes LinePlotView::seriesColor(
+    std::size_t series, const AppearanceColors& colors, vtkLookupTable& palette) const
+{
+    if (!m_series) {
+        return plainColor(colors);
     }
     const std::size_t count = m_series->names().size();
     if (series >= count) {
-        return missingColor(isDark);
+        return missingColor(colors.isDark);
     }
     const boost::shared_ptr<Variable> variable = m_seriesOf.lock();
     if (!variable || !variable->isNumeric()) {
-        return categoryColor(series, isDark);
+        return categoryColor(series, colors.isDark);
     }
-    const vtkNew<vtkLookupTable> table;
-    applyColorPalette(*table, m_palette->value());
     // The ends of a palette can be close to the background.
     constexpr double kept = 0.85;
     const double share =
         count > 1 ? static_cast<double>(series) / static_cast<double>(count - 1) : 0.5;
-    table->SetRange(0.0, 1.0);
     const unsigned char* color =
-        table->MapValue(isDark ? 1.0 - kept * (1.0 - share) : kept * share);
+        palette.MapValue(colors.isDark ? 1.0 - kept * (1.0 - share) : kept * share);
     return {color[0], color[1], color[2]};
 }
 

@@ -7,6 +7,7 @@
 #include <dataviews/common/charts/ColorPalette.h>
 
 #include <vtkSmartPointer.h>
+#include <vtkType.h>
 
 #include <boost/enable_shared_from_this.hpp>
 #include <boost/shared_ptr.hpp>
@@ -17,6 +18,7 @@
 #include <vector>
 
 class RingedPlotLine;
+class vtkLookupTable;
 
 namespace analyzer {
 
@@ -62,7 +64,11 @@ private:
     void addSettings();
     void chooseSeries(const WeakPtr<Variable>& variable) const;
     void updateSeries();
-    [[nodiscard]] ColorBytes seriesColor(std::size_t series, bool isDark) const;
+    [[nodiscard]] std::vector<std::vector<vtkIdType>> rowsOfSeries(vtkTable& table) const;
+    [[nodiscard]] std::string seriesName(std::size_t series) const;
+    /// \p palette has the range 0 to 1.
+    [[nodiscard]] ColorBytes seriesColor(
+        std::size_t series, const AppearanceColors& colors, vtkLookupTable& palette) const;
 
     /// One for every series that there can be: VTK fits the axes anew when a plot is added.
     std::vector<vtkSmartPointer<RingedPlotLine>> m_lines;

@@ -2,6 +2,7 @@
 #include <analyzer/views/PointColors.h>
 #include <analyzer/views/RealSetting.h>
 #include <analyzer/views/VariableSetting.h>
+#include <analyzer/views/paletteSetting.h>
 
 #include <dataviews/common/charts/CategoryLegend.h>
 #include <dataviews/common/charts/ChartXY.h>
@@ -11,7 +12,7 @@
 #include <dataviews/common/views/Property.h>
 #include <dataviews/common/views/UndoablePropertyProxy.h>
 
-#include <dataviews/platform/data/Project.h>
+#include <dataviews/platform/data/Variable.h>
 #include <dataviews/platform/undo/UndoStack.h>
 
 #include <vtkContextView.h>
@@ -29,6 +30,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstdint>
 #include <limits>
 #include <utility>
 
@@ -121,6 +123,11 @@ PointColors::~PointColors()
     m_bar->SetInteractor(nullptr);
 }
 
+CategoryLegend& PointColors::categoryLegend() const
+{
+    return *m_categoryLegend;
+}
+
 std::vector<boost::shared_ptr<SettingInterface>> PointColors::makeSettings() const
 {
     const auto color = boost::make_shared<VariableSetting>(
@@ -131,15 +138,7 @@ std::vector<boost::shared_ptr<SettingInterface>> PointColors::makeSettings() con
         "variables",
         "(none)",
         [this](const WeakPtr<Variable>& variable) { chooseVariable(variable); });
-    const auto palette = boost::make_shared<ChoiceSetting<ColorPalette>>(
-        SettingInterface::Kind::Choice,
-        "palette",
-        "Palette",
-        m_palette,
-        ChoiceSetting<ColorPalette>::NamedValues{
-            {"viridis", ColorPalette::Viridis},
-            {"cividis", ColorPalette::Cividis},
-            {"coolwarm", ColorPalette::CoolWarm}});
+    const auto palette = makePaletteSetting(m_palette, m_variable);
     const auto show = makeSwitchSetting("color-legend", "Color legend", m_legend->show());
     const auto rangeType = boost::make_shared<ChoiceSetting<ColorLegend::RangeType>>(
         SettingInterface::Kind::Choice,
@@ -180,7 +179,6 @@ std::vector<boost::shared_ptr<SettingInterface>> PointColors::makeSettings() con
     const auto isCustom = [](ColorLegend::RangeType type) { return type == ColorLegend::Custom; };
     show->enableWhile(
         m_variable, [](const WeakPtr<Variable>& variable) { return !variable.expired(); });
-    palette->enableWhile(m_variable, isNumeric);
     rangeType->enableWhile(m_variable, isNumeric);
     labels->enableWhile(m_variable, isNumeric);
     for (const auto& end : {min, max}) {
@@ -202,21 +200,15 @@ std::vector<boost::shared_ptr<SettingInterface>> PointColors::makeSettings() con
 void PointColors::prepare(vtkTable& table)
 {
     updateCategories();
-    vtkIntArray* caseIDs = vtkIntArray::SafeDownCast(table.GetColumn(0));
-    if (!m_categories || caseIDs == nullptr) {
+    if (!m_categories) {
         return;
     }
-    const vtkIdType count = caseIDs->GetNumberOfValues();
-    const vtkNew<vtkIntArray> categories;
-    categories->SetName(categoryColumn);
-    categories->SetNumberOfValues(count);
-    for (vtkIdType i = 0; i < count; ++i) {
-        const auto row =
-            Project::project().row(static_cast<unsigned long long>(caseIDs->GetValue(i)));
-        categories->SetValue(
-            i, static_cast<int>(row ? m_categories->ofRow(*row) : m_categories->missing()));
-    }
-    table.AddColumn(categories);
+    const std::vector<std::uint8_t> categories = m_categories->ofCases(table);
+    const vtkNew<vtkIntArray> column;
+    column->SetName(categoryColumn);
+    column->SetNumberOfValues(static_cast<vtkIdType>(categories.size()));
+    std::copy(categories.begin(), categories.end(), column->GetPointer(0));
+    table.AddColumn(column);
 }
 
 void PointColors::apply()
@@ -307,7 +299,7 @@ void PointColors::chooseVariable(const WeakPtr<Variable>& variable) const
 {
     const boost::shared_ptr<Variable> locked = variable.lock();
     if (locked && !locked->isNumeric()) {
-        const CaseCategories check(*locked); // refuses too many
+        CaseCategories::checkCanDivideBy(*locked);
     }
     m_variable->setValue(variable);
 }

@@ -66,12 +66,13 @@ public:
     /// The settings of the color bar; for texts, show() goes for the legend that names the colors.
     [[nodiscard]] ColorLegend& legend() const { return *m_legend; }
 
-    [[nodiscard]] CategoryLegend& categoryLegend() const { return *m_categoryLegend; }
+    [[nodiscard]] CategoryLegend& categoryLegend() const;
 
     /// In the order for a panel.
     [[nodiscard]] std::vector<boost::shared_ptr<SettingInterface>> makeSettings() const;
 
-    /// Adds to \p table, one of cases, what the plot needs to color its rows. To be called before it becomes the plot's.
+    /// Adds to \p table, one of cases of the open study in its order, what the plot needs to color its rows. To be
+    /// called before it becomes the plot's.
     void prepare(vtkTable& table);
 
     /// The plot has a new table, or was hidden.
@@ -82,7 +83,6 @@ public:
 
     struct Appearance
     {
-        QColor background;
         QColor text;
         bool isDark;
         double opacity; ///< of the points, from 0 to 1

@@ -1,8 +1,7 @@
 #include <analyzer/views/RealSetting.h>
+#include <analyzer/views/realText.h>
 
 #include <algorithm>
-#include <array>
-#include <charconv>
 #include <cmath>
 #include <system_error>
 #include <utility>
@@ -18,15 +17,6 @@ std::string withoutBlanksAround(const std::string& text)
     return first == std::string::npos
         ? std::string()
         : text.substr(first, text.find_last_not_of(blanks) - first + 1);
-}
-
-/// What std::from_chars says of all of \p text, which may have a plus.
-std::errc parse(const std::string& text, double& value)
-{
-    const bool hasPlus = text.size() > 1 && text[0] == '+' && text[1] != '-';
-    const char* const end = text.data() + text.size();
-    const auto [rest, error] = std::from_chars(text.data() + (hasPlus ? 1 : 0), end, value);
-    return error == std::errc() && rest != end ? std::errc::invalid_argument : error;
 }
 
 [[noreturn]] void refuse(const std::string& text, std::errc error)
@@ -45,7 +35,7 @@ std::errc parse(const std::string& text, double& value)
     std::replace(withPoint.begin(), withPoint.end(), ',', '.');
     double value = 0;
     throw ExceptionBase(
-        withPoint != text && parse(withPoint, value) == std::errc()
+        withPoint != text && readReal(withPoint, value) == std::errc()
             ? quoted + " is not a number; write a point for the decimals."
             : quoted + " is not a number.");
 }
@@ -74,18 +64,7 @@ RealSetting::RealSetting(std::string name, std::string label, Read read, Write w
 std::string RealSetting::text() const
 {
     const double value = m_read();
-    if (std::isnan(value)) {
-        return {};
-    }
-    constexpr int digits = 10;
-    std::array<char, 32> buffer{};
-    const auto end = std::to_chars(
-        buffer.data(),
-        buffer.data() + buffer.size(),
-        value == 0 ? 0.0 : value, // zero has no sign for people
-        std::chars_format::general,
-        digits);
-    return {buffer.data(), end.ptr};
+    return std::isnan(value) ? std::string() : realText(value);
 }
 
 void RealSetting::setText(const std::string& text)
@@ -95,7 +74,7 @@ void RealSetting::setText(const std::string& text)
         return;
     }
     double value = 0;
-    const std::errc error = parse(number, value);
+    const std::errc error = readReal(number, value);
     if (error != std::errc() || !std::isfinite(value)) {
         refuse(number, error);
     }

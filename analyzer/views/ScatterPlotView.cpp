@@ -10,20 +10,9 @@
 #include <QToolTip>
 
 #include <vtkNew.h>
-#include <vtkPen.h>
 #include <vtkTable.h>
 
-#include <cmath>
-
 namespace analyzer {
-
-namespace {
-
-// Okabe and Ito's blue and orange: told apart with every common kind of color blindness, on light and on dark.
-constexpr unsigned char pointColor[] = {0, 114, 178};
-constexpr unsigned char pointColorOnDark[] = {86, 180, 233};
-
-} // namespace
 
 ScatterPlotView::ScatterPlotView(const ViewServices& services)
     : ChartViewAbstract(services, "ScatterPlot2D")
@@ -123,15 +112,12 @@ std::vector<WeakPtr<Variable>> ScatterPlotView::furtherVariables() const
 
 void ScatterPlotView::applyOwnAppearance(const AppearanceColors& colors)
 {
-    constexpr double opaque = 255.0;
-    const unsigned char* point = colors.isDark ? pointColorOnDark : pointColor;
-    m_plot->SetColor(
-        point[0], point[1], point[2], static_cast<unsigned char>(std::lround(opacity() * opaque)));
+    const ColorBytes color = plainColor(colors);
+    m_plot->SetColor(color[0], color[1], color[2], alpha());
     m_plot->SetMarkerSize(pointSizePx());
     m_plot->setSelectionColors(selectionColors(colors, !m_colors->isColored()));
     styleLegend(m_colors->categoryLegend(), colors);
-    m_colors->applyAppearance(
-        {colors.background, colors.text, colors.isDark, opacity(), legendMarkerPx()});
+    m_colors->applyAppearance({colors.text, colors.isDark, opacity(), legendMarkerPx()});
 }
 
 double ScatterPlotView::layOutRightSide()

@@ -38,8 +38,8 @@ class SelectedImageWidget;
 /// The images are those of the selected cases that pass the filters, in ascending order of the case IDs, each case's
 /// in the order of the study. When the selection or the filters change, the image that is shown stays as long as it is
 /// among them; else the first one is shown. Pictures are read in the background; until one has come, the one before
-/// stays for a moment. The image of the hovered case has an outline. Owned through a shared pointer; its widget belongs to the parent that it was given, or to the
-/// view without one.
+/// stays for a moment. The image of the hovered case has an outline. Owned through a shared pointer; its widget belongs
+/// to the parent that it was given, or to the view without one.
 class SelectedImageView
     : public DataViewAbstract
     , public SelectedImageViewInterface

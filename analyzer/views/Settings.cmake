@@ -8,4 +8,5 @@ list(
     TagGroupListSetting.cpp
     TagListSetting.cpp
     VariableListSetting.cpp
+    realText.cpp
 )

@@ -17,10 +17,10 @@ namespace analyzer {
 
 namespace {
 
-const std::string axisHelp =
-    "x-min, x-max, x-grid (on, off), x-spacing, y-min, y-max, y-grid, y-spacing, point-size (1 to "
-    "40), "
-    "opacity (0 to 100), filtered-out (hidden, gray), mouse-mode (select, pan, zoom)";
+constexpr char chartHelp[] =
+    "x-min, x-max, x-grid (on, off), x-spacing, y-min, y-max, y-grid, y-spacing, "
+    "point-size (1 to 40), opacity (0 to 100), filtered-out (hidden, gray), "
+    "mouse-mode (select, pan, zoom)";
 
 } // namespace
 
@@ -32,23 +32,21 @@ std::vector<std::string> viewKinds()
 std::string viewKindHelp(const std::string& kind)
 {
     if (kind == "scatter") {
-        return "x, y (numeric variables), color (variable, or (none)), palette (viridis, cividis, "
-               "coolwarm), "
-               "legend, color-legend (on, off), color-range (automatic, own), color-min, "
-               "color-max, labels (3 to 40), "
-            + axisHelp;
+        return std::string("x, y (numeric variables), color (variable, or (none)), "
+                           "palette (viridis, cividis, coolwarm), legend, color-legend (on, off), "
+                           "color-range (automatic, own), color-min, color-max, labels (3 to 40), ")
+            + chartHelp;
     }
     if (kind == "line") {
-        return "x, y (numeric variables), color (the variable of the series, or (none)), palette "
-               "(viridis, cividis, "
-               "coolwarm), line-width (1 to 20), legend (on, off), "
-            + axisHelp;
+        return std::string("x, y (numeric variables), color (the variable of the series, or "
+                           "(none)), palette (viridis, cividis, coolwarm), line-width (1 to 20), "
+                           "legend (on, off), ")
+            + chartHelp;
     }
     if (kind == "images") {
         return "row, column, page (variables, or (all)), rows-by, columns-by (variable, tag), "
-               "pages-by (none, variable, "
-               "tag), page-value, labels (on, off), label-variables, tag-groups, tags (lists: "
-               "a,b,c), zoom (0 to 100)";
+               "pages-by (none, variable, tag), page-value, labels (on, off), label-variables, "
+               "tag-groups, tags (lists: a,b,c), zoom (0 to 100)";
     }
     if (kind == "selected-image") {
         return "fit (on, off)";

@@ -175,6 +175,17 @@ TEST_F(MainWindowTest, OpensAStudyWithAChartBesideTheTable)
     EXPECT_FALSE(UndoStack::history().canUndo());
 }
 
+TEST_F(MainWindowTest, UndoNamesVariablesAsTheyAre)
+{
+    QAction& undo = action(QStringLiteral("Undo"));
+    UndoStack::history().push(new QUndoCommand(QStringLiteral("Add Filter on <b>R&D</b>")));
+    EXPECT_EQ(undo.text(), QStringLiteral("&Undo Add Filter on <b>R&&D</b>"));
+    EXPECT_TRUE(undo.toolTip().contains(QStringLiteral("&lt;b&gt;R&amp;D")));
+
+    UndoStack::history().undo();
+    EXPECT_EQ(undo.text(), QStringLiteral("&Undo"));
+}
+
 TEST_F(MainWindowTest, SelectionCommandsReachEveryView)
 {
     ASSERT_TRUE(open(writeStudy()));

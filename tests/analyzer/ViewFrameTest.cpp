@@ -1,8 +1,6 @@
 #include <analyzer/ViewFrame.h>
-#include <analyzer/views/AnalyzerViewInterface.h>
 
 #include <dataviews/platform/selection/SelectionModel.h>
-#include <dataviews/platform/serialize/Serializer.h>
 
 #include <QAbstractButton>
 #include <QApplication>
@@ -14,9 +12,9 @@
 
 #include <memory>
 #include <set>
-#include <string>
 #include <vector>
 
+#include <tests/support/FakeView.h>
 #include <tests/support/mouseMoves.h>
 
 namespace analyzer {
@@ -26,10 +24,14 @@ namespace {
 using Cases = std::set<unsigned long long>;
 
 /// A view that leaves out what it is told to.
-class FakeView : public AnalyzerViewInterface
+class LeavingView : public FakeView
 {
 public:
-    FakeView() { m_widget->resize(400, 300); }
+    LeavingView()
+        : FakeView(new QWidget) // the frame's
+    {
+        widget().resize(400, 300);
+    }
 
     void setLeftOut(const std::vector<LeftOutCases>& leftOut, const Cases& cases = {})
     {
@@ -46,59 +48,11 @@ public:
 
     [[nodiscard]] Cases leftOutCaseIDs() const override { return m_cases; }
 
-    [[nodiscard]] QWidget& widget() override { return *m_widget; }
-
-    void suspend() override {}
-
-    void resume() override {}
-
-    [[nodiscard]] SerializerInterface& serializer() override { return m_serializer; }
-
-    void adjustSelectionForMouseClickAtPoint() override {}
-
-    void accept(DataViewVisitorInterface& /*visitor*/) override {}
-
-    [[nodiscard]] std::string domName() const override { return "Fake"; }
-
-    void render() override {}
-
-    [[nodiscard]] std::string kind() const override { return "fake"; }
-
-    [[nodiscard]] std::string title() const override { return "Fake"; }
-
-    [[nodiscard]] const std::vector<boost::shared_ptr<SettingInterface>>& settings() const override
-    {
-        return m_settings;
-    }
-
-    [[nodiscard]] boost::shared_ptr<corvane::PropertyAbstract<MouseMode>> mouseModeProperty()
-        const override
-    {
-        return {};
-    }
-
-    [[nodiscard]] bool hasAxes() const override { return false; }
-
-    void fitData() override {}
-
-    void resetXAxis() override {}
-
-    void resetYAxis() override {}
-
     mutable int questions = 0;
-
-protected:
-    [[nodiscard]] boost::shared_ptr<corvane::PropertyAbstract<MouseMode>> mouseMode() const override
-    {
-        return {};
-    }
 
 private:
     std::vector<LeftOutCases> m_leftOut;
     Cases m_cases;
-    QWidget* m_widget = new QWidget; ///< the frame's
-    Serializer m_serializer{"Fake"};
-    std::vector<boost::shared_ptr<SettingInterface>> m_settings;
 };
 
 class ViewFrameTest : public testing::Test
@@ -117,7 +71,7 @@ protected:
         settle();
     }
 
-    boost::shared_ptr<FakeView> m_view = boost::make_shared<FakeView>();
+    boost::shared_ptr<LeavingView> m_view = boost::make_shared<LeavingView>();
     boost::shared_ptr<SelectionModel> m_selection = boost::make_shared<SelectionModel>();
     std::unique_ptr<ViewFrame> m_frame = std::make_unique<ViewFrame>(m_view, m_selection);
 };
@@ -131,8 +85,6 @@ TEST_F(ViewFrameTest, LineSaysHowManyAndWhy)
         std::vector<LeftOutCases> leftOut;
         const char* text;
     } lines[] = {
-        {{}, ""},
-        {{{6, "filtered"}}, "6 not drawn: 6 filtered"},
         {{{31, "without Drag"}, {6, "filtered"}}, "37 not drawn: 31 without Drag, 6 filtered"},
         {{{1234567, "without <b>R&D</b>"}, {1000, "filtered"}},
          "1,235,567 not drawn: 1,234,567 without <b>R&D</b>, 1,000 filtered"},

@@ -32,10 +32,7 @@ std::string forDisplay(std::string name)
 {
     constexpr char firstPrintable = ' ';
     std::replace_if(
-        name.begin(),
-        name.end(),
-        [](char c) { return beginsCharacter(c) && c >= 0 && c < firstPrintable; },
-        ' ');
+        name.begin(), name.end(), [](char c) { return c >= 0 && c < firstPrintable; }, ' ');
     if (std::count_if(name.begin(), name.end(), beginsCharacter) <= CategoryLegend::longestName) {
         return name;
     }

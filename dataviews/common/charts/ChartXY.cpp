@@ -29,6 +29,33 @@ constexpr float clickSize = 0.5F;
 /// How far around a click points are picked.
 constexpr float clickReach = 5.0F;
 
+/// As a share of the axis.
+constexpr float largestFitMargin = 0.25F;
+
+/// \p range, widened to round numbers where it has to be to leave \p share of it free on both sides of \p data.
+ValueRange_s<double> withMargin(
+    ValueRange_s<double> range, const ValueRange_s<double>& data, double share)
+{
+    // What is added at one end makes the margin at the other wider, too. A few steps are enough: each rounds up.
+    constexpr int mostSteps = 20;
+    for (int i = 0; i < mostSteps; ++i) {
+        const double margin = (range.max - range.min) * share;
+        const double step = makeNiceNumber(margin);
+        const bool isLow = data.min - margin < range.min;
+        const bool isHigh = data.max + margin > range.max;
+        if (!(step > 0.0) || !std::isfinite(step) || (!isLow && !isHigh)) {
+            break;
+        }
+        if (isLow) {
+            range.min = std::floor((data.min - margin) / step) * step;
+        }
+        if (isHigh) {
+            range.max = std::ceil((data.max + margin) / step) * step;
+        }
+    }
+    return range;
+}
+
 bool isUnplaced(vtkChartLegend& legend)
 {
     const float* point = legend.GetPoint();
@@ -280,29 +307,20 @@ void ChartXY::finishFit()
         if (axis->GetMinimum() > axis->GetMaximum()) {
             axis->SetRange(axis->GetMaximum(), axis->GetMinimum());
         }
-        const int coordinate = index == vtkAxis::BOTTOM ? 0 : 1;
+        const std::size_t coordinate = index == vtkAxis::BOTTOM ? 0 : 1;
         const float length = axis->GetPoint2()[coordinate] - axis->GetPoint1()[coordinate];
         const ValueRange_s<double> data = dataRange(coordinate);
-        if (m_fitMargin <= 0.0F || length <= 2.0F * m_fitMargin || axis->GetLogScale()
-            || data.min > data.max) {
+        if (m_fitMargin <= 0.0F || length <= 0.0F || axis->GetLogScale() || data.min > data.max) {
             continue;
         }
-        const double margin = (axis->GetMaximum() - axis->GetMinimum())
-            * static_cast<double>(m_fitMargin) / static_cast<double>(length);
-        const double step = makeNiceNumber(margin);
-        if (!(step > 0.0)) {
-            continue;
-        }
-        if (data.min - margin < axis->GetMinimum()) {
-            axis->SetMinimum(std::floor((data.min - margin) / step) * step);
-        }
-        if (data.max + margin > axis->GetMaximum()) {
-            axis->SetMaximum(std::ceil((data.max + margin) / step) * step);
-        }
+        const double share = std::min(m_fitMargin / length, largestFitMargin);
+        const ValueRange_s<double> range =
+            withMargin({axis->GetMinimum(), axis->GetMaximum()}, data, share);
+        axis->SetRange(range.min, range.max);
     }
 }
 
-ValueRange_s<double> ChartXY::dataRange(int coordinate)
+ValueRange_s<double> ChartXY::dataRange(std::size_t coordinate)
 {
     ValueRange_s<double> range = {
         std::numeric_limits<double>::infinity(), -std::numeric_limits<double>::infinity()};

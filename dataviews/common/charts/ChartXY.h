@@ -7,6 +7,7 @@
 #include <vtkChartXY.h>
 #include <vtkSmartPointer.h>
 
+#include <cstddef>
 #include <utility>
 #include <vector>
 
@@ -43,8 +44,8 @@ public:
     /// only kept inside.
     void setLegendsFollowSize(bool follow) { m_legendsFollowSize = follow; }
 
-    /// How far points stay from the ends of axes that are fitted to the data, in pixels; 0 at first, which puts the
-    /// outermost ones upon the ends if these are round numbers.
+    /// How far points stay at least from the ends of axes that are fitted to the data, in pixels, but not more than a
+    /// quarter of the axis; 0 at first, which puts the outermost ones upon the ends if these are round numbers.
     void setFitMargin(float pixels) { m_fitMargin = pixels; }
 
     void Update() override;
@@ -89,7 +90,7 @@ private:
     void keepAxesDivisible();
     [[nodiscard]] bool canZoomUpTo(const vtkVector2f& corner);
     void finishFit();
-    [[nodiscard]] ValueRange_s<double> dataRange(int coordinate);
+    [[nodiscard]] ValueRange_s<double> dataRange(std::size_t coordinate);
     void settleTransforms(vtkContext2D* painter);
     [[nodiscard]] bool hasVisiblePlot();
     void clearSelectionsOfSkippedPlots();

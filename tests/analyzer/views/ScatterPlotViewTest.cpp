@@ -1,3 +1,4 @@
+#include <analyzer/views/PointColors.h>
 #include <analyzer/views/ScatterPlotView.h>
 
 #include <dataviews/common/charts/ChartXY.h>
@@ -422,7 +423,21 @@ TEST_F(ScatterPlotViewTest, TellsAVisitorItsKind)
 
 TEST_F(ScatterPlotViewTest, SurvivesItsWidget)
 {
-    delete &m_view->widget();
+    const auto filter = boost::make_shared<RangeFilter>(
+        Project::project().variable("Speed"), ValueRange_s<double>{2.0, 9.0});
+    for (const char* color : {"Gaps", "Name"}) {
+        SCOPED_TRACE(color);
+        makeView();
+        m_view->colors().variable()->setValue(Project::project().variable(color));
+        m_view->render();
+        delete &m_view->widget();
 
-    m_view.reset();
+        m_pipeline.addFilter(filter);
+        UndoStack::history().undo();
+        m_master->setSelection({3});
+
+        m_view.reset();
+        UndoStack::history().redo();
+        m_pipeline.removeFilter(filter);
+    }
 }

@@ -1,29 +1,16 @@
 #include <dataviews/common/charts/ChartXY.h>
 #include <dataviews/common/charts/VTKChartsMouseModeProperty.h>
-#include <dataviews/common/selection/DataView2DSelectionSynchronizer.h>
-#include <dataviews/common/selection/PlotSelectionModel.h>
 
-#include <dataviews/platform/selection/SelectionModel.h>
 #include <dataviews/platform/vtk/vtkCvCommandProxy.h>
 
-#include <QApplication>
-#include <QMouseEvent>
-#include <QTest>
-#include <QVTKOpenGLNativeWidget.h>
-
 #include <vtkContextMouseEvent.h>
-#include <vtkGenericOpenGLRenderWindow.h>
 #include <vtkGenericRenderWindowInteractor.h>
 #include <vtkPlotPoints.h>
-#include <vtkRenderWindowInteractor.h>
 #include <vtkVectorOperators.h>
-
-#include <boost/make_shared.hpp>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <memory>
 #include <utility>
 #include <vector>
 
@@ -35,7 +22,6 @@ namespace {
 
 using testing::ElementsAre;
 using testing::IsEmpty;
-using Cases = std::set<unsigned long long>;
 using Rows = std::vector<vtkIdType>;
 
 constexpr int left = vtkContextMouseEvent::LEFT_BUTTON;
@@ -207,8 +193,6 @@ TEST_F(ChartXYMouseTest, PlotsThatVtkSkipsContributeNothingOld)
     click(point(5));
     EXPECT_THAT(takePicked(), ElementsAre(Rows{5}));
     EXPECT_THAT(others, ElementsAre(IsEmpty(), IsEmpty()));
-    EXPECT_FALSE(hidden->GetVisible());
-    EXPECT_FALSE(rigid->GetSelectable());
 }
 
 TEST_F(ChartXYMouseTest, StillClicksWithOtherButtonsNeitherSelectNorChangeTheRanges)
@@ -245,140 +229,26 @@ TEST_F(ChartXYMouseTest, QuickSecondClickIsAClickOfTheButtonThatSelectsOnly)
     EXPECT_THAT(takePicked(), ElementsAre());
 }
 
+TEST_F(ChartXYMouseTest, MovesWithoutAButtonAreNotPainted)
+{
+    m_chart->SetTooltip(nullptr);
+    ASSERT_FALSE(m_chart->GetScene()->GetDirty());
+
+    EXPECT_TRUE(m_chart->MouseMoveEvent(at(point(4), vtkContextMouseEvent::NO_BUTTON)));
+    EXPECT_FALSE(m_chart->GetScene()->GetDirty());
+
+    drag(point(2), point(4));
+    EXPECT_TRUE(m_chart->GetScene()->GetDirty()) << "A rubber band is to be seen.";
+}
+
 TEST_F(ChartXYMouseTest, AxesTakeNoMouseEvents)
 {
-    for (int index = 0; index < m_chart->GetNumberOfAxes(); ++index) {
-        EXPECT_FALSE(m_chart->GetAxis(index)->GetInteractive()) << index;
+    const vtkVector2f corner(m_chart->GetAxis(vtkAxis::LEFT)->GetPoint1());
+    vtkContextMouseEvent event = at(corner - vtkVector2f(3.0F, -30.0F), left);
+    for (const int index : {vtkAxis::LEFT, vtkAxis::BOTTOM}) {
+        EXPECT_FALSE(m_chart->GetAxis(index)->Hit(event)) << index;
+        event = at(corner - vtkVector2f(-30.0F, 3.0F), left);
     }
-}
-
-/// A chart in a real widget, in step with a selection model.
-class ChartXYWidgetTest : public testing::Test
-{
-protected:
-    ChartXYWidgetTest()
-    {
-        m_widget.setRenderWindow(m_window);
-        m_view->SetRenderWindow(m_window);
-        m_view->GetScene()->AddItem(m_chart);
-        m_plot = addPlot(*m_chart, caseTable({100, 101, 102, 103, 104, 105, 106, 107, 108, 109}));
-        m_mode = std::make_unique<VTKChartsMouseModeProperty>(m_chart);
-        m_mode->setValue(DataViewInterface::Select);
-        m_synchronizer = std::make_unique<DataView2DSelectionSynchronizer>(
-            m_chart,
-            m_widget.interactor(),
-            boost::make_shared<PlotSelectionModel>(m_widget.interactor(), m_master));
-        m_synchronizer->setPlotsToSynchronize({m_plot});
-        m_widget.resize(500, 400);
-        m_widget.show();
-        EXPECT_TRUE(QTest::qWaitForWindowExposed(&m_widget));
-        m_view->Render();
-    }
-
-    [[nodiscard]] QPoint widgetPoint(const vtkVector2f& place) const
-    {
-        const double ratio = m_widget.devicePixelRatioF();
-        return {qRound(place.GetX() / ratio), m_widget.height() - 1 - qRound(place.GetY() / ratio)};
-    }
-
-    [[nodiscard]] QPoint point(double row) const
-    {
-        return widgetPoint(pixelOf(*m_chart, row, row));
-    }
-
-    /// Sent at once, unlike a move of the real pointer, which may come after the release that follows.
-    void move(const QPoint& place, Qt::MouseButtons buttons, Qt::KeyboardModifiers keys)
-    {
-        QMouseEvent event(
-            QEvent::MouseMove, place, m_widget.mapToGlobal(place), Qt::NoButton, buttons, keys);
-        QApplication::sendEvent(&m_widget, &event);
-    }
-
-    void drag(const QPoint& from, const QPoint& to, Qt::KeyboardModifiers keys)
-    {
-        move(from, Qt::NoButton, keys);
-        QTest::mousePress(&m_widget, Qt::LeftButton, keys, from);
-        move((from + to) / 2, Qt::LeftButton, keys);
-        move(to, Qt::LeftButton, keys);
-        QTest::mouseRelease(&m_widget, Qt::LeftButton, keys, to);
-    }
-
-    void click(const QPoint& place, Qt::KeyboardModifiers keys = {})
-    {
-        move(place, Qt::NoButton, keys);
-        QTest::mouseClick(&m_widget, Qt::LeftButton, keys, place);
-    }
-
-    QVTKOpenGLNativeWidget m_widget;
-    vtkNew<vtkGenericOpenGLRenderWindow> m_window;
-    vtkNew<vtkContextView> m_view;
-    vtkSmartPointer<ChartXY> m_chart = vtkSmartPointer<ChartXY>::New();
-    vtkSmartPointer<vtkPlotPoints> m_plot;
-    std::unique_ptr<VTKChartsMouseModeProperty> m_mode;
-    boost::shared_ptr<SelectionModel> m_master = boost::make_shared<SelectionModel>();
-    std::unique_ptr<DataView2DSelectionSynchronizer> m_synchronizer;
-};
-
-TEST_F(ChartXYWidgetTest, ClicksSelectToggleAndClear)
-{
-    click(point(4));
-    EXPECT_EQ(m_master->getSelections(), Cases{104});
-
-    click(point(7), Qt::ControlModifier);
-    EXPECT_EQ(m_master->getSelections(), (Cases{104, 107}));
-    EXPECT_THAT(selectedRows(*m_plot), ElementsAre(4, 7));
-
-    click(point(4), Qt::ControlModifier);
-    EXPECT_EQ(m_master->getSelections(), Cases{107});
-    EXPECT_THAT(selectedRows(*m_plot), ElementsAre(7));
-
-    // Shift is no key of ours.
-    click(point(2), Qt::ShiftModifier);
-    EXPECT_EQ(m_master->getSelections(), Cases{102});
-
-    const QPoint nowhere = point(4) + QPoint(60, 60);
-    click(nowhere, Qt::ControlModifier);
-    EXPECT_EQ(m_master->getSelections(), Cases{102});
-    EXPECT_THAT(selectedRows(*m_plot), ElementsAre(2));
-    click(nowhere);
-    EXPECT_EQ(m_master->getSelections(), Cases{});
-}
-
-TEST_F(ChartXYWidgetTest, RubberBandSelectsAndWithControlAdds)
-{
-    drag(point(1.5), point(4.5), {});
-    EXPECT_EQ(m_master->getSelections(), (Cases{102, 103, 104}));
-    drag(point(6.5), point(3.5), Qt::ControlModifier);
-    EXPECT_EQ(m_master->getSelections(), (Cases{102, 103, 104, 105, 106}));
-    // Only cases that are selected: the whole selection is shown again.
-    drag(point(1.5), point(3.5), Qt::ControlModifier);
-    EXPECT_EQ(m_master->getSelections(), (Cases{102, 103, 104, 105, 106}));
-    EXPECT_THAT(selectedRows(*m_plot), ElementsAre(2, 3, 4, 5, 6));
-}
-
-TEST_F(ChartXYWidgetTest, QuickSecondClickCounts)
-{
-    m_master->setSelection({101, 104});
-    const QPoint place = point(4);
-
-    click(place, Qt::ControlModifier);
-    EXPECT_EQ(m_master->getSelections(), Cases{101});
-    // What Qt sends for the second of two quick clicks.
-    QTest::mouseDClick(&m_widget, Qt::LeftButton, Qt::ControlModifier, place);
-    QTest::mouseRelease(&m_widget, Qt::LeftButton, Qt::ControlModifier, place);
-
-    EXPECT_EQ(m_master->getSelections(), (Cases{101, 104}));
-}
-
-TEST_F(ChartXYWidgetTest, ClickOnTheLabelsOfAnAxisLeavesTheSelection)
-{
-    m_master->setSelection({101, 104});
-    const float* const corner = m_chart->GetAxis(vtkAxis::LEFT)->GetPoint1();
-
-    click(widgetPoint({corner[0] - 10.0F, corner[1] + 100.0F}));
-    click(widgetPoint({corner[0] + 100.0F, corner[1] - 10.0F}));
-
-    EXPECT_EQ(m_master->getSelections(), (Cases{101, 104}));
 }
 
 } // namespace

@@ -104,16 +104,12 @@ TEST_F(ChartXYLegendTest, AddedLegendIsRegisteredUnplacedAndPartOfTheChart)
     m_chart->addLegend(legend);
     m_chart->addLegend(ofAnother);
 
-    EXPECT_EQ(legend->GetHorizontalAlignment(), vtkChartLegend::CUSTOM);
-    EXPECT_EQ(legend->GetVerticalAlignment(), vtkChartLegend::CUSTOM);
     EXPECT_THAT(legend->place(), ElementsAre(unplaced, unplaced));
     EXPECT_EQ(legend->GetChart(), m_chart);
     EXPECT_EQ(ofAnother->GetChart(), other);
     EXPECT_EQ(m_chart->GetNumberOfItems(), items + 2);
 
-    vtkChartLegend* const own = m_chart->GetLegend();
-    EXPECT_EQ(own->GetHorizontalAlignment(), vtkChartLegend::CUSTOM);
-    EXPECT_EQ(own->GetPoint()[0], unplaced);
+    EXPECT_EQ(m_chart->GetLegend()->GetPoint()[0], unplaced);
     EXPECT_EQ(items, vtkSmartPointer<vtkChartXY>::New()->GetNumberOfItems())
         << "The own legend was added twice.";
 }
@@ -168,6 +164,13 @@ TEST_F(ChartXYLegendTest, MovedLegendsLeaveTheStackForGood)
     first->SetPoint(280.0F, 90.0F);
     m_chart->layOut();
     EXPECT_THAT(settledLegend(10.0F, 50.0F)->place(), ElementsAre(190.0F, 230.0F));
+
+    // The clamp moves legends as a user does.
+    m_chart->SetSize(vtkRectf(0.0F, 0.0F, 300.0F, 300.0F));
+    m_chart->layOut();
+    m_chart->SetSize(vtkRectf(0.0F, 0.0F, 400.0F, 300.0F));
+    m_chart->layOut();
+    EXPECT_THAT(first->place(), ElementsAre(180.0F, 90.0F));
 }
 
 TEST_F(ChartXYLegendTest, NoLegendLeavesTheChart)
@@ -181,17 +184,13 @@ TEST_F(ChartXYLegendTest, NoLegendLeavesTheChart)
     };
 
     const Case cases[] = {
-        {100.0F, 50.0F, {30.0F, 40.0F}, {30.0F, 40.0F}},
         {100.0F, 50.0F, {20.0F, 230.0F}, {20.0F, 230.0F}},
         {100.0F, 50.0F, {19.0F, 40.0F}, {20.0F, 40.0F}},
-        {100.0F, 50.0F, {-500.0F, 40.0F}, {20.0F, 40.0F}},
         {100.0F, 50.0F, {281.0F, 40.0F}, {280.0F, 40.0F}},
         {100.0F, 50.0F, {30.0F, 231.0F}, {30.0F, 230.0F}},
         // Only the top edge is kept inside.
-        {100.0F, 50.0F, {30.0F, -30.0F}, {30.0F, -30.0F}},
         {100.0F, 50.0F, {30.0F, -31.0F}, {30.0F, -30.0F}},
         {100.0F, 400.0F, {30.0F, 0.0F}, {30.0F, -120.0F}},
-        {100.0F, 400.0F, {30.0F, -200.0F}, {30.0F, -200.0F}},
         // The right side wins for one that is too wide.
         {500.0F, 50.0F, {10.0F, 40.0F}, {-120.0F, 40.0F}},
     };
@@ -205,20 +204,6 @@ TEST_F(ChartXYLegendTest, NoLegendLeavesTheChart)
 
         EXPECT_EQ(legend->place(), c.place);
     }
-}
-
-TEST_F(ChartXYLegendTest, LegendThatTheClampPushesSidewaysCountsAsMoved)
-{
-    const auto legend = settledLegend(100.0F, 50.0F);
-    m_chart->SetSize(vtkRectf(0.0F, 0.0F, 300.0F, 300.0F));
-    m_chart->layOut();
-    EXPECT_THAT(legend->place(), ElementsAre(180.0F, 230.0F));
-
-    m_chart->SetSize(vtkRectf(0.0F, 0.0F, 400.0F, 300.0F));
-    m_chart->layOut();
-
-    EXPECT_THAT(legend->place(), ElementsAre(180.0F, 230.0F));
-    EXPECT_THAT(settledLegend(50.0F, 50.0F)->place(), ElementsAre(330.0F, 230.0F));
 }
 
 TEST_F(ChartXYLegendTest, NothingIsTouchedWhileSettingsAreRead)
@@ -319,39 +304,30 @@ protected:
 
 TEST_F(ChartXYPaintTest, FirstFrameShowsAllPointsAlsoFarFromZero)
 {
-    for (const double first : {0.0, 1e6, -3e7}) {
-        SCOPED_TRACE(first);
-        m_chart->ClearPlots();
-        addPoints(first);
-
+    const auto expectAllInOneFrame = [this] {
+        m_chart->GetScene()->SetDirty(true);
         m_chart.render();
         const int inFirstFrame = m_chart.redPixels();
         m_chart->GetScene()->SetDirty(true);
         m_chart.render();
-
         EXPECT_GT(inFirstFrame, 0);
         EXPECT_EQ(inFirstFrame, m_chart.redPixels());
+    };
+    for (const double first : {0.0, 1e6, -3e7}) {
+        SCOPED_TRACE(first);
+        m_chart->ClearPlots();
+        addPoints(first);
+        expectAllInOneFrame();
     }
-}
 
-TEST_F(ChartXYPaintTest, FirstFrameAfterAZoomShowsWhatTheNextOneShows)
-{
+    // After a zoom into a part that is far from zero, too.
     addPoints(0.0);
-    addPoints(1e6);
-    m_chart.render();
-
+    expectAllInOneFrame();
     for (const int index : {vtkAxis::BOTTOM, vtkAxis::LEFT}) {
         m_chart->GetAxis(index)->SetBehavior(vtkAxis::FIXED);
-        m_chart->GetAxis(index)->SetRange(1e6 - 1.0, 1e6 + 3.0);
+        m_chart->GetAxis(index)->SetRange(-3e7 - 1.0, -3e7 + 3.0);
     }
-    m_chart->GetScene()->SetDirty(true);
-    m_chart.render();
-    const int inFirstFrame = m_chart.redPixels();
-    m_chart->GetScene()->SetDirty(true);
-    m_chart.render();
-
-    EXPECT_GT(inFirstFrame, 0);
-    EXPECT_EQ(inFirstFrame, m_chart.redPixels());
+    expectAllInOneFrame();
 }
 
 TEST_F(ChartXYPaintTest, FirstFrameShowsLegendsWhereTheyStay)
@@ -415,25 +391,69 @@ TEST_F(ChartXYPaintTest, LegendsStayPutInAGrowingChartUnlessTheyFollowItsSize)
     m_chart.render();
     EXPECT_THAT(stacked->place(), ElementsAre(380.0F, 210.0F));
     EXPECT_THAT(dragged->place(), ElementsAre(160.0F, 60.0F));
+
+    const auto third = m_chart->addSizedLegend(50.0F, 40.0F);
+    m_chart.render();
+    EXPECT_THAT(third->place(), ElementsAre(310.0F, 240.0F)) << "The first one counts as moved.";
 }
 
-TEST_F(ChartXYPaintTest, FollowingLegendsKeepTheirDistanceAndTheStack)
+/// The axes of a chart of 400 × 300 pixels that are fitted to points with a margin.
+TEST(ChartXYFitTest, PointsKeepTheirDistanceFromTheEndsOfFittedAxes)
 {
-    addPoints(0.0);
-    m_chart->setLegendsFollowSize(true);
-    const auto first = m_chart->addSizedLegend(60.0F, 40.0F);
-    m_chart.render();
-    EXPECT_THAT(first->place(), ElementsAre(320.0F, 240.0F));
+    constexpr float margin = 20.0F;
+    const std::vector<double> cases[] = {
+        {0.0, 10.0},
+        {0.5, 9.5},
+        {3.9, 10.0},
+        {0.0, 99.9},
+        {-7.0, 0.0},
+        {1e6, 1e6 + 1.0},
+        {-5.0},
+        {5.0},
+        {0.0},
+        {-1e9, 1e-9},
+    };
 
-    for (const int width : {300, 640, 400}) {
-        m_chart.resize(width, 350);
-        m_chart.render();
-        EXPECT_THAT(first->place(), ElementsAre(static_cast<float>(width) - 80.0F, 290.0F));
+    for (const std::vector<double>& values : cases) {
+        SCOPED_TRACE(testing::PrintToString(values));
+        OffScreenChart<ChartXY> chart(400, 300);
+        vtkNew<vtkPlotPoints> plot;
+        plot->SetInputData(caseTable(std::vector<int>(values.size(), 1), values, values), 1, 2);
+        chart->AddPlot(plot);
+        chart->setFitMargin(margin);
+
+        chart.render();
+
+        for (const int index : {vtkAxis::BOTTOM, vtkAxis::LEFT}) {
+            vtkAxis& axis = *chart->GetAxis(index);
+            const int along = index == vtkAxis::BOTTOM ? 0 : 1;
+            EXPECT_LT(axis.GetMinimum(), axis.GetMaximum());
+            const vtkVector2f first = pixelOf(*chart, values.front(), values.front());
+            const vtkVector2f last = pixelOf(*chart, values.back(), values.back());
+            EXPECT_GE(first[along] - axis.GetPoint1()[along], margin - 0.01F);
+            EXPECT_GE(axis.GetPoint2()[along] - last[along], margin - 0.01F);
+            const float length = axis.GetPoint2()[along] - axis.GetPoint1()[along];
+            EXPECT_LE(axis.GetPoint2()[along] - last[along], 0.6F * length);
+        }
     }
+}
 
-    const auto second = m_chart->addSizedLegend(50.0F, 40.0F);
-    m_chart.render();
-    EXPECT_THAT(second->place(), ElementsAre(250.0F, 290.0F)) << "The first one counts as moved.";
+TEST(ChartXYFitTest, AxesThatAreNotFittedStay)
+{
+    OffScreenChart<ChartXY> chart(400, 300);
+    vtkNew<vtkPlotPoints> plot;
+    plot->SetInputData(caseTable({1, 2}, {0.0, 10.0}), 1, 2);
+    chart->AddPlot(plot);
+    chart->setFitMargin(20.0F);
+    vtkAxis& bottom = *chart->GetAxis(vtkAxis::BOTTOM);
+    bottom.SetBehavior(vtkAxis::FIXED);
+    bottom.SetRange(10.0, 0.0);
+
+    chart->RecalculateBounds();
+    chart.render();
+
+    EXPECT_EQ(bottom.GetMinimum(), 10.0);
+    EXPECT_EQ(bottom.GetMaximum(), 0.0);
 }
 
 } // namespace

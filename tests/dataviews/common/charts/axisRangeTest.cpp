@@ -19,7 +19,6 @@ using Range = ValueRange_s<double>;
 
 constexpr double infinity = std::numeric_limits<double>::infinity();
 constexpr double nan = std::numeric_limits<double>::quiet_NaN();
-constexpr double tiny = std::numeric_limits<double>::denorm_min();
 
 TEST(AxisRangeTest, RangesThatVtkCannotDrawGiveTheClosestOneThatItCan)
 {
@@ -35,19 +34,15 @@ TEST(AxisRangeTest, RangesThatVtkCannotDrawGiveTheClosestOneThatItCan)
         {{-1e300, 1e300}, {-1e300, 1e300}, 0.0},
         {{1.0, std::nextafter(1.0, 2.0)}, {1.0, 1.0}, 3e-12},
         {{5.0, 5.0}, {5.0, 5.0}, 2e-11},
-        {{-5.0, -5.0}, {-5.0, -5.0}, 2e-11},
         {{0.0, 0.0}, {0.0, 0.0}, 1e-299},
-        {{tiny, 0.0}, {0.0, 0.0}, 1e-299},
         {{1e-320, 2e-320}, {0.0, 0.0}, 1e-299},
         {{nan, 1.0}, {0.0, 1.0}, 0.0},
         {{1.0, nan}, {1.0, 2.0}, 0.0},
         {{nan, nan}, {0.0, 1.0}, 0.0},
-        {{nan, 1e20}, {1e20, 1e20}, 1e9},
         {{0.0, infinity}, {0.0, 1e300}, 0.0},
         {{nan, -infinity}, {-1e300, -1e300}, 1e289},
         {{infinity, infinity}, {1e300, 1e300}, 1e289},
         {{infinity, -infinity}, {1e300, -1e300}, 0.0},
-        {{-1e308, 1e308}, {-1e300, 1e300}, 0.0},
         {{-1.7e308, 3.0}, {-1e300, 3.0}, 0.0},
     };
 
@@ -72,9 +67,7 @@ TEST(AxisRangeTest, ChartsDrawEveryRangeAndEveryValue)
         {-1e308, 1e308},
         {1e-320, 2e-320},
         {5.0, 5.0},
-        {0.0, 0.0},
         {1e20, 1e20 + 16384.0},
-        {std::nextafter(1.0, 2.0), 1.0},
     };
     for (const int behavior : {vtkAxis::FIXED, vtkAxis::AUTO}) {
         for (const Range& range : ranges) {
@@ -94,9 +87,6 @@ TEST(AxisRangeTest, ChartsDrawEveryRangeAndEveryValue)
 
             EXPECT_TRUE(canBeDivided({axis->GetMinimum(), axis->GetMaximum()}));
             EXPECT_LE(axis->GetTickPositions()->GetNumberOfValues(), 200);
-            chart->RecalculateBounds();
-            chart.render();
-            EXPECT_TRUE(canBeDivided({axis->GetMinimum(), axis->GetMaximum()}));
         }
     }
 }
