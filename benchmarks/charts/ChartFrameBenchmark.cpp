@@ -2,6 +2,7 @@
 #include <dataviews/common/charts/ChartXY.h>
 #include <dataviews/common/charts/ColorPalette.h>
 #include <dataviews/common/charts/InvalidPointsFilter.h>
+#include <dataviews/common/charts/RingedPlotPoints.h>
 #include <dataviews/common/selection/DataView2DSelectionSynchronizer.h>
 #include <dataviews/common/selection/PlotSelectionModel.h>
 #include <dataviews/common/views/Property.h>
@@ -12,7 +13,6 @@
 #include <vtkContext2D.h>
 #include <vtkLookupTable.h>
 #include <vtkObjectFactory.h>
-#include <vtkPlotPoints.h>
 #include <vtkRenderWindowInteractor.h>
 
 #include <boost/make_shared.hpp>
@@ -122,6 +122,7 @@ public:
         applyColorPalette(*colors, ColorPalette::Viridis);
         colors->SetRange(0.0, 1.0);
         m_plot->SetInputData(m_filter->GetOutput(), 1, 2);
+        m_plot->SetMarkerSize(7.0F);
         m_plot->SetLookupTable(colors);
         m_plot->SelectColorArray("y");
         m_plot->ScalarVisibilityOn();
@@ -149,7 +150,7 @@ private:
     OffScreenChart<TimedChart>& m_chart;
     std::vector<boost::shared_ptr<Variable>> m_variables;
     vtkSmartPointer<InvalidPointsFilter> m_filter;
-    vtkNew<vtkPlotPoints> m_plot;
+    vtkNew<RingedPlotPoints> m_plot;
     vtkNew<vtkRenderWindowInteractor> m_interactor;
     boost::shared_ptr<SelectionModel> m_master = boost::make_shared<SelectionModel>();
     DataView2DSelectionSynchronizer m_synchronizer{
