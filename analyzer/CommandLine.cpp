@@ -210,15 +210,21 @@ CommandLine CommandLine::parse(const std::vector<std::string>& arguments)
             if (commandLine.screenshot.empty()) {
                 throw UsageError("--screenshot needs the name of a file.");
             }
+        } else if (option == "--export-csv") {
+            commandLine.exportCsv = value();
+            if (commandLine.exportCsv.empty()) {
+                throw UsageError("--export-csv needs the name of a file.");
+            }
         } else {
             throw UsageError("There is no option " + option + "; --help lists those there are.");
         }
     }
 
     const bool needsStudy = commandLine.info || commandLine.hasSelection
-        || !commandLine.assignments.empty() || !commandLine.filters.empty();
+        || !commandLine.assignments.empty() || !commandLine.filters.empty()
+        || !commandLine.exportCsv.empty();
     if (needsStudy && commandLine.study.empty() && !commandLine.help && !commandLine.version) {
-        throw UsageError("--info, --set, --select and --filter need a study.");
+        throw UsageError("--info, --set, --select, --filter and --export-csv need a study.");
     }
     return commandLine;
 }
@@ -241,6 +247,8 @@ std::string CommandLine::helpText()
         "  --select IDS                select cases by ID: 3,7,20-40\n"
         "  --filter VAR=MIN..MAX       show only cases whose VAR is in the range; MIN or MAX may\n"
         "                              be left out; can be repeated for other variables\n"
+        "  --export-csv FILE           write the cases that pass the filters, with all variables, "
+        "and leave\n"
         "  --size WxH                  the size of the window in pixels\n"
         "  --screenshot FILE.png       write a picture of the window, and leave\n"
         "  --help                      print this text, and leave\n"

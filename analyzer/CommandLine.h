@@ -50,6 +50,7 @@ struct CommandLine
     bool hasSelection = false;
     std::optional<QSize> size;
     std::string screenshot; ///< empty if none is asked for
+    std::string exportCsv; ///< the file for the cases shown; empty if none is asked for
 
     /// Understands \p arguments, those after the program's name.
     /// \throws UsageError

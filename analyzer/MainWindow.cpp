@@ -1,11 +1,14 @@
+#include <analyzer/HistoryView.h>
 #include <analyzer/MainWindow.h>
 #include <analyzer/StudyLoader.h>
 #include <analyzer/ViewFrame.h>
+#include <analyzer/export/writeCasesCsv.h>
 #include <analyzer/filters/FilterList.h>
 #include <analyzer/panels/FiltersPanel.h>
 #include <analyzer/panels/SettingsPanel.h>
 #include <analyzer/panels/plainToolTip.h>
 #include <analyzer/panels/withoutMnemonic.h>
+#include <analyzer/selection/UndoableSelectionModel.h>
 #include <analyzer/study/studyInfo.h>
 #include <analyzer/views/AnalyzerViewInterface.h>
 #include <analyzer/views/HoveredCase.h>
@@ -14,13 +17,13 @@
 #include <analyzer/views/countText.h>
 #include <analyzer/views/viewKinds.h>
 
+#include <dataviews/common/export/SurrogateModelCSVExporter.h>
 #include <dataviews/common/images/AsyncImageCache.h>
 #include <dataviews/common/images/ImageCache.h>
 #include <dataviews/common/selection/RecordTableUtils.h>
 #include <dataviews/common/views/CvWaitCursor.h>
 
 #include <dataviews/platform/data/Project.h>
-#include <dataviews/platform/selection/SelectionModel.h>
 #include <dataviews/platform/undo/UndoStack.h>
 
 #include <QAction>
@@ -29,6 +32,7 @@
 #include <QCloseEvent>
 #include <QDockWidget>
 #include <QDragEnterEvent>
+#include <QFile>
 #include <QFileDialog>
 #include <QFileInfo>
 #include <QLabel>
@@ -52,6 +56,7 @@
 #include <cmath>
 #include <iterator>
 #include <map>
+#include <optional>
 #include <set>
 #include <utility>
 
@@ -61,6 +66,7 @@ namespace {
 
 constexpr const char* recentKey = "RecentStudies";
 constexpr int maxRecent = 10;
+constexpr int maxUndoSteps = 1000;
 constexpr int progressInterval = 50; // milliseconds
 constexpr int progressSteps = 1000;
 
@@ -99,7 +105,7 @@ void showPlainly(
 } // namespace
 
 MainWindow::MainWindow()
-    : m_selection(boost::make_shared<SelectionModel>())
+    : m_selection(boost::make_shared<UndoableSelectionModel>())
     , m_pipeline(std::make_unique<DataPipelineManager>(Project::project()))
     , m_filters(std::make_unique<FilterList>(*m_pipeline))
     , m_images(boost::make_shared<ImageCache>())
@@ -112,6 +118,8 @@ MainWindow::MainWindow()
     setAcceptDrops(true);
     resize(1280, 800);
 
+    UndoStack::history().clear(); // takes a limit only while it is empty
+    UndoStack::history().setUndoLimit(maxUndoSteps);
     buildMenus();
     buildPanels();
 
@@ -417,6 +425,7 @@ void MainWindow::buildMenus()
     m_recentMenu = file->addMenu(tr("Open &Recent"));
     file->addSeparator();
     m_showReport = add(file, tr("Study &Information…"), QKeySequence(), &MainWindow::showReport);
+    buildExportMenu(*file);
     file->addSeparator();
     QAction* quit = add(file, tr("&Quit"), QKeySequence::Quit, &QWidget::close);
     quit->setMenuRole(QAction::QuitRole);
@@ -522,6 +531,28 @@ QList<QAction*> MainWindow::buildViewMenu()
     return newViews;
 }
 
+void MainWindow::buildExportMenu(QMenu& file)
+{
+    QMenu* menu = file.addMenu(tr("&Export"));
+    m_exportShown = makeAction(
+        *this, menu, tr("Cases &Shown…"), QKeySequence(), [this] { chooseExportFile(CasesShown); });
+    m_exportSelected = makeAction(*this, menu, tr("Selected &Cases…"), QKeySequence(), [this] {
+        chooseExportFile(SelectedCases);
+    });
+    m_exportTable = makeAction(*this, menu, tr("Pipeline &Table…"), QKeySequence(), [this] {
+        const QString path = QFileDialog::getSaveFileName(
+            this, tr("Export Pipeline Table"), QString(), tr("CSV (*.csv)"));
+        if (path.isEmpty()) {
+            return;
+        }
+        try {
+            exportPipelineTable(path);
+        } catch (const ExceptionBase& error) {
+            tellError(QString::fromUtf8(error.what()));
+        }
+    });
+}
+
 void MainWindow::buildPanels()
 {
     m_viewArea = new QMainWindow(this);
@@ -552,6 +583,13 @@ void MainWindow::buildPanels()
     m_viewMenu->addAction(settingsDock->toggleViewAction());
     m_viewMenu->addAction(filtersDock->toggleViewAction());
 
+    auto* historyDock = new QDockWidget(tr("History"), this);
+    historyDock->setObjectName(QStringLiteral("History"));
+    historyDock->setWidget(new HistoryView(historyDock));
+    addDockWidget(Qt::RightDockWidgetArea, historyDock);
+    historyDock->hide();
+    m_viewMenu->addAction(historyDock->toggleViewAction());
+
     m_status = new QLabel(this);
     m_status->setObjectName(QStringLiteral("SelectionStatus"));
     statusBar()->addPermanentWidget(m_status);
@@ -574,8 +612,11 @@ void MainWindow::takeStudy(const QString& path)
 
     // The views of the former study go before it does, and with them everything that could be undone.
     closeViews();
+    {
+        const UndoStack::SuspendUndoRecording noRecording;
+        m_selection->setSelection({});
+    }
     UndoStack::history().clear();
-    m_selection->setSelection({});
     m_report = study.report;
     const std::size_t filterCount = m_filters->filters().size();
     Project::project().replaceStudy(*study.project);
@@ -696,8 +737,17 @@ void MainWindow::updateActions()
     }
 }
 
+void MainWindow::updateExportActions()
+{
+    const bool hasStudy = Project::project().caseCount() > 0;
+    m_exportShown->setEnabled(hasStudy);
+    m_exportTable->setEnabled(hasStudy);
+    m_exportSelected->setEnabled(hasStudy && m_selectedCount > 0);
+}
+
 void MainWindow::updateStatus()
 {
+    updateExportActions();
     const std::size_t cases = Project::project().caseCount();
     if (cases == 0) {
         m_status->setText(tr("No study is open"));
@@ -750,6 +800,54 @@ void MainWindow::chooseStudyFolder()
     const QString path = QFileDialog::getExistingDirectory(this, tr("Open Study Folder"));
     if (!path.isEmpty()) {
         openStudy(path);
+    }
+}
+
+void MainWindow::chooseExportFile(ExportedCases cases)
+{
+    const QString plain = tr("CSV (*.csv)");
+    const QString forSpreadsheets = tr("CSV for spreadsheets (*.csv)");
+    QFileDialog dialog(
+        this, cases == CasesShown ? tr("Export Cases Shown") : tr("Export Selected Cases"));
+    dialog.setAcceptMode(QFileDialog::AcceptSave);
+    dialog.setNameFilters({plain, forSpreadsheets});
+    dialog.setDefaultSuffix(QStringLiteral("csv"));
+    if (dialog.exec() != QDialog::Accepted) {
+        return;
+    }
+    try {
+        exportCases(
+            dialog.selectedFiles().constFirst(),
+            cases,
+            dialog.selectedNameFilter() == forSpreadsheets);
+    } catch (const ExceptionBase& error) {
+        tellError(QString::fromUtf8(error.what()));
+    }
+}
+
+void MainWindow::exportCases(const QString& path, ExportedCases cases, bool forSpreadsheets) const
+{
+    const CvWaitCursor wait;
+    const Project& project = Project::project();
+    RowBitmap rows = m_pipeline->passingRows();
+    if (cases == SelectedCases) {
+        rows.fill(false);
+        for (const unsigned long long id : m_selection->getSelections()) {
+            if (const std::optional<std::size_t> row = project.row(id)) {
+                rows.set(*row);
+            }
+        }
+    }
+    writeCasesCsv(project, rows, path.toStdString(), {forSpreadsheets});
+}
+
+void MainWindow::exportPipelineTable(const QString& path) const
+{
+    const CvWaitCursor wait;
+    m_pipeline->output().Update();
+    if (!SurrogateModelCSVExporter().writeCSVFile(
+            &m_pipeline->output(), QFile::encodeName(path).toStdString())) {
+        throw ExceptionBase("\"" + path.toStdString() + "\" cannot be opened for writing.");
     }
 }
 

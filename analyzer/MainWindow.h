@@ -46,6 +46,12 @@ class MainWindow : public QMainWindow
     Q_OBJECT
 
 public:
+    enum ExportedCases
+    {
+        CasesShown, ///< those that pass the filters
+        SelectedCases
+    };
+
     MainWindow();
     MainWindow(const MainWindow&) = delete;
     MainWindow& operator=(const MainWindow&) = delete;
@@ -85,6 +91,14 @@ public:
     /// What the reader said of the open study.
     [[nodiscard]] const StudyReport& report() const { return m_report; }
 
+    /// Writes cases of the open study with all their variables to the file \p path; see writeCasesCsv().
+    /// \throws ExceptionBase if the file cannot be written.
+    void exportCases(const QString& path, ExportedCases cases, bool forSpreadsheets = false) const;
+
+    /// Writes the table of the cases shown, as charts get it, to \p path by VTK's writer: numbers have six digits.
+    /// \throws ExceptionBase if the file cannot be opened.
+    void exportPipelineTable(const QString& path) const;
+
     void setTellsErrorsInDialogs(bool inDialogs) { m_tellsErrorsInDialogs = inDialogs; }
 
 public Q_SLOTS:
@@ -123,6 +137,7 @@ private:
     void addFirstViews();
     void buildMenus();
     QList<QAction*> buildViewMenu();
+    void buildExportMenu(QMenu& file);
     void buildPanels();
     void closeProgress();
     void takeStudy(const QString& path);
@@ -133,10 +148,12 @@ private:
     void showContextMenu(const QPoint& place);
     void updateActions();
     void updateStatus();
+    void updateExportActions();
     void updateRecent();
     void rememberRecent(const QString& path);
     void chooseStudyFile();
     void chooseStudyFolder();
+    void chooseExportFile(ExportedCases cases);
     void showReport();
     void showAbout();
     [[nodiscard]] std::vector<OpenView>::const_iterator find(
@@ -173,6 +190,9 @@ private:
     QAction* m_zoomOut = nullptr;
     QAction* m_resetZoom = nullptr;
     QAction* m_showReport = nullptr;
+    QAction* m_exportShown = nullptr;
+    QAction* m_exportSelected = nullptr;
+    QAction* m_exportTable = nullptr;
     QList<QAction*> m_selectionActions;
     QList<QAction*> m_studyActions; ///< those that need an open study
     QPointer<QProgressDialog> m_progress;

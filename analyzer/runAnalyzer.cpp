@@ -141,9 +141,11 @@ int runWindow(const CommandLine& commandLine)
     if (!commandLine.views.empty()) {
         window.setFirstViews(commandLine.views);
     }
-    window.show();
+    const bool isScript = !commandLine.screenshot.empty() || !commandLine.exportCsv.empty();
+    if (!isScript || !commandLine.screenshot.empty()) {
+        window.show();
+    }
 
-    const bool isScript = !commandLine.screenshot.empty();
     // A wrong call ends the program; a study that cannot be opened does so only where nobody sits at the window.
     const bool mustSucceed = isScript || !commandLine.assignments.empty()
         || !commandLine.filters.empty() || commandLine.hasSelection;
@@ -163,14 +165,19 @@ int runWindow(const CommandLine& commandLine)
             for (const CommandLine::Assignment& assignment : commandLine.assignments) {
                 window.assign(assignment);
             }
-        }
-        if (commandLine.hasSelection) {
-            select(window, commandLine);
+            if (commandLine.hasSelection) {
+                select(window, commandLine);
+            }
         }
         window.setTellsErrorsInDialogs(true);
     }
-    if (isScript) {
+    if (!commandLine.exportCsv.empty()) {
+        window.exportCases(QString::fromStdString(commandLine.exportCsv), MainWindow::CasesShown);
+    }
+    if (!commandLine.screenshot.empty()) {
         takeScreenshot(window, commandLine.screenshot);
+    }
+    if (isScript) {
         return done;
     }
     return QApplication::exec();

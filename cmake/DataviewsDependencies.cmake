@@ -7,6 +7,7 @@ find_package(
                CommonCore
                CommonDataModel
                CommonExecutionModel
+               IOCore
                RenderingCore
                RenderingContext2D
                RenderingContextOpenGL2

@@ -25,7 +25,8 @@ TEST(CommandLineTest, ReadsEverythingThatIsAskedFor)
          "--size",
          "1600x900",
          "--screenshot",
-         "a.png"});
+         "a.png",
+         "--export-csv=a.csv"});
 
     EXPECT_EQ(line.study, "study.csv");
     EXPECT_EQ(line.views, (std::vector<std::string>{"scatter", "table", "scatter"}));
@@ -41,6 +42,7 @@ TEST(CommandLineTest, ReadsEverythingThatIsAskedFor)
     EXPECT_EQ(line.selection, ranges);
     EXPECT_EQ(line.size, QSize(1600, 900));
     EXPECT_EQ(line.screenshot, "a.png");
+    EXPECT_EQ(line.exportCsv, "a.csv");
 }
 
 TEST(CommandLineTest, NothingIsSelectedByAnEmptyList)
@@ -131,6 +133,9 @@ TEST(CommandLineTest, RefusesWrongUseInOneLine)
         {"--size", "800x-600"},
         {"--size", "99999x10"},
         {"--screenshot", ""},
+        {"a.csv", "--export-csv", ""},
+        {"a.csv", "--export-csv"},
+        {"--export-csv", "b.csv"},
         {"--info=yes", "a.csv"},
     };
     for (const std::vector<std::string>& arguments : wrong) {
@@ -157,6 +162,7 @@ TEST(CommandLineTest, HelpNamesEveryKindAndProperty)
           "--filter",
           "--size",
           "--screenshot",
+          "--export-csv",
           "scatter",
           "table",
           "mouse-mode",

@@ -20,6 +20,7 @@
 #include <QComboBox>
 #include <QDockWidget>
 #include <QFile>
+#include <QHelpEvent>
 #include <QLabel>
 #include <QMouseEvent>
 #include <QProgressDialog>
@@ -28,11 +29,17 @@
 #include <QTemporaryDir>
 #include <QTest>
 #include <QTimer>
+#include <QToolTip>
+#include <QUndoView>
 
 #include <vtkIdTypeArray.h>
 #include <vtkPlotPoints.h>
 
 #include <gtest/gtest.h>
+
+#include <algorithm>
+
+#include <tests/support/mouseMoves.h>
 
 namespace {
 
@@ -243,6 +250,112 @@ TEST_F(MainWindowTest, PicksWithTheMouseShowInTheOtherView)
     EXPECT_EQ(drawn->GetValue(2), 11);
 }
 
+TEST_F(MainWindowTest, UndoOfSelectionsShowsInEveryView)
+{
+    ASSERT_TRUE(open(writeStudy()));
+    show();
+    const auto chart = view<analyzer::ScatterPlotView>(0);
+    const auto table = view<analyzer::CaseTableView>(1);
+    m_window->assign({"scatter", 1, "x", "Drag"});
+    m_window->assign({"scatter", 1, "y", "Drag"});
+    chart->render();
+    UndoStack::history().clear();
+
+    QWidget* widget = &chart->widget();
+    const QPoint point = chart->placeOfRow(11);
+    sendMouseMove(*widget, point);
+    QTest::mouseClick(widget, Qt::LeftButton, Qt::NoModifier, point);
+    const auto cell = [&table](int row) {
+        const QModelIndex index = table->table().model()->index(row, 0);
+        table->table().scrollTo(index);
+        return table->table().visualRect(index).center();
+    };
+    QWidget& rows = *table->table().viewport();
+    QTest::mousePress(&rows, Qt::LeftButton, Qt::NoModifier, cell(2));
+    for (int row = 3; row <= 5; ++row) {
+        sendMouseMove(rows, cell(row), Qt::LeftButton);
+    }
+    QTest::mouseRelease(&rows, Qt::LeftButton, Qt::NoModifier, cell(5));
+    QCoreApplication::processEvents();
+    action(QStringLiteral("Clear Selection")).trigger();
+
+    auto* list = m_window->findChild<QUndoView*>();
+    ASSERT_NE(list, nullptr);
+    std::vector<std::string> lines;
+    for (int line = 0; line < list->model()->rowCount(); ++line) {
+        lines.push_back(list->model()->index(line, 0).data().toString().toStdString());
+    }
+    EXPECT_EQ(
+        lines,
+        (std::vector<std::string>{
+            "Opened study", "Select 1 Case", "Select 4 Cases", "Clear Selection"}));
+
+    const struct
+    {
+        int line;
+        std::vector<vtkIdType> selectedRows;
+    } jumps[] = {{2, {2, 3, 4, 5}}, {1, {11}}, {0, {}}, {2, {2, 3, 4, 5}}, {3, {}}};
+
+    for (const auto& [line, selectedRows] : jumps) {
+        SCOPED_TRACE(line);
+        list->setCurrentIndex(list->model()->index(line, 0));
+        vtkIdTypeArray* drawn = chart->plot().GetSelection();
+        const auto count = static_cast<vtkIdType>(selectedRows.size());
+        ASSERT_EQ(drawn == nullptr ? 0 : drawn->GetNumberOfValues(), count);
+        for (vtkIdType i = 0; i < count; ++i) {
+            EXPECT_EQ(drawn->GetValue(i), selectedRows[static_cast<std::size_t>(i)]);
+        }
+        for (int row = 0; row < 40; ++row) {
+            EXPECT_EQ(
+                table->selection().contains(row),
+                std::count(selectedRows.begin(), selectedRows.end(), row) == 1);
+        }
+    }
+}
+
+TEST_F(MainWindowTest, HistoryListIsClosedAtFirstAndCutsLongTexts)
+{
+    show();
+    auto* list = m_window->findChild<QUndoView*>();
+    ASSERT_NE(list, nullptr);
+    EXPECT_FALSE(list->isVisible());
+    EXPECT_EQ(list->accessibleName(), QStringLiteral("History"));
+
+    action(QStringLiteral("History")).trigger();
+    UndoStack::history().push(new QUndoCommand(QString(500, QLatin1Char('W'))));
+
+    EXPECT_TRUE(list->isVisible());
+    const QModelIndex last = list->model()->index(1, 0);
+    EXPECT_LE(list->visualRect(last).width(), list->viewport()->width());
+    for (const int line : {0, 1}) {
+        const QPoint place = list->visualRect(list->model()->index(line, 0)).center();
+        QHelpEvent help(QEvent::ToolTip, place, list->viewport()->mapToGlobal(place));
+        QApplication::sendEvent(list->viewport(), &help);
+        EXPECT_EQ(QToolTip::text().contains(QStringLiteral("WWW")), line == 1);
+    }
+    QToolTip::hideText();
+    EXPECT_EQ(UndoStack::history().undoLimit(), 1000);
+}
+
+TEST_F(MainWindowTest, SelectionKeepsTheZoomStepsAroundItApart)
+{
+    ASSERT_TRUE(open(writeImageStudy()));
+    const auto zoom = m_window->views().front()->zoom();
+    zoom->setValue(30);
+    zoom->setValue(40);
+    m_window->selection().setSelection({1, 2});
+    zoom->setValue(50);
+    zoom->setValue(60);
+    ASSERT_EQ(UndoStack::history().count(), 3);
+
+    UndoStack::history().undo();
+    EXPECT_EQ(zoom->value(), 40U);
+    EXPECT_EQ(m_window->selection().getSelections(), Cases({1, 2}));
+    UndoStack::history().undo();
+    EXPECT_EQ(m_window->selection().getSelections(), Cases());
+    EXPECT_EQ(zoom->value(), 40U);
+}
+
 TEST_F(MainWindowTest, RefusedStudyLeavesEverythingAsItWas)
 {
     ASSERT_TRUE(open(writeStudy()));
@@ -359,8 +472,8 @@ TEST_F(MainWindowTest, ClosedViewGoesAndTheOthersStayLinked)
     EXPECT_TRUE(chart.expired());
     EXPECT_EQ(kinds(), (std::vector<std::string>{"table"}));
     EXPECT_EQ(m_window->activeView(), m_window->views().front());
-    m_window->selectAll();
     UndoStack::history().undo(); // of a view that is gone: does nothing
+    m_window->selectAll();
     EXPECT_EQ(status(), QStringLiteral("40 of 40 cases selected"));
 }
 

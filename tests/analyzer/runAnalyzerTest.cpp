@@ -176,6 +176,50 @@ TEST_F(RunAnalyzerTest, WritesAPictureOfTheWindowAsAsked)
         1);
 }
 
+TEST_F(RunAnalyzerTest, WritesTheCasesThatPassTheFilters)
+{
+    const QString study =
+        write(QStringLiteral("a.csv"), "x,name\n0.1,\"a, b\"\n3,\n4e-20,=c\n,d\n");
+    const QString exported = m_folder.filePath(QStringLiteral("b.csv"));
+    const QString picture = m_folder.filePath(QStringLiteral("a.png"));
+    const auto written = [&] {
+        QFile file(exported);
+        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("(not there)");
+    };
+
+    const Result all = run({study, QStringLiteral("--export-csv"), exported}, true);
+    EXPECT_EQ(all.status, 0) << all.errors.toStdString();
+    EXPECT_EQ(written(), "Case ID,x,name\n1,0.1,\"a, b\"\n2,3,\n3,4e-20,=c\n4,,d\n");
+    const Result some =
+        run({study,
+             QStringLiteral("--filter"),
+             QStringLiteral("x=0..1"),
+             QStringLiteral("--select"),
+             QStringLiteral("2"),
+             QStringLiteral("--export-csv"),
+             exported,
+             QStringLiteral("--screenshot"),
+             picture},
+            true);
+    EXPECT_EQ(some.status, 0) << some.errors.toStdString();
+    EXPECT_EQ(written(), "Case ID,x,name\n1,0.1,\"a, b\"\n3,4e-20,=c\n");
+    EXPECT_FALSE(QImage(picture).isNull());
+
+    const QByteArray before = written();
+    for (const QStringList& wrong :
+         {QStringList{QStringLiteral("/nowhere/b.csv")},
+          QStringList{QStringLiteral("/dev/full")},
+          QStringList{m_folder.path()},
+          QStringList{exported, QStringLiteral("--select"), QStringLiteral("99")}}) {
+        SCOPED_TRACE(wrong[0].toStdString());
+        const Result refused =
+            run(QStringList{study, QStringLiteral("--export-csv")} + wrong, true);
+        EXPECT_EQ(refused.status, 1);
+        EXPECT_EQ(refused.errors.count(QLatin1Char('\n')), 1) << refused.errors.toStdString();
+    }
+    EXPECT_EQ(written(), before);
+}
+
 TEST_F(RunAnalyzerTest, WritesAPictureOfAPageOfImages)
 {
     const QColor colors[] = {QColor(10, 140, 60), QColor(160, 40, 200)};

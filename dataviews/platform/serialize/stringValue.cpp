@@ -9,13 +9,19 @@ bool isBlank(char c)
     return c == ' ' || c == '\t' || c == '\r';
 }
 
+/// QString drops the mark at the very beginning of a UTF-8 text.
+bool startsWithByteOrderMark(const std::string& text)
+{
+    return text.compare(0, 3, "\xEF\xBB\xBF") == 0;
+}
+
 void appendField(std::string& text, const std::string& field, bool isOnly)
 {
     // XML drops a text of blanks alone, Unicode's many kinds included.
     const bool looksEmpty = QString::fromStdString(field).trimmed().isEmpty();
-    const bool quoted = looksEmpty
-        ? isOnly || !field.empty()
-        : isBlank(field.front()) || isBlank(field.back()) || field.find(',') != std::string::npos;
+    const bool quoted = looksEmpty ? isOnly || !field.empty()
+                                   : isBlank(field.front()) || isBlank(field.back())
+            || startsWithByteOrderMark(field) || field.find(',') != std::string::npos;
     if (quoted) {
         text += '"';
     }

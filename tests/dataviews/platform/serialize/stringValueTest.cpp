@@ -70,6 +70,8 @@ TEST(StringValueTest, HardListsSurvive)
              {"Größe", "\xC2\xA0"},
              {"\xC2\xA0"}, // a no-break space
              {"\xE2\x80\x83"}, // an em space
+             {"\xEF\xBB\xBFname"}, // a byte order mark
+             {"a\rb", "a\r\nb", "\r\n"},
          }) {
         expectRoundTrip(list);
     }
@@ -94,6 +96,9 @@ TEST(StringValueTest, RandomListsSurvive)
         ";",
         "é",
         "\xC2\xA0",
+        "\xC2\x85", // a next line
+        "\xE2\x80\xA8", // a line separator
+        "\xEF\xBB\xBF", // a byte order mark
         "😀",
     };
     std::mt19937 random(1);

@@ -1,0 +1,3 @@
+#include <dataviews/common/models/ListModelInterface.h>
+
+template class ListModelInterface<std::string>;

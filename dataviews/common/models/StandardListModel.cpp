@@ -1,0 +1,3 @@
+#include <dataviews/common/models/StandardListModel.h>
+
+template class StandardListModel<std::string>;

@@ -1,0 +1,3 @@
+#include <dataviews/common/serializers/VectorSerializer.h>
+
+template class VectorSerializer<std::string, boost::function<bool(const std::string&)>>;
