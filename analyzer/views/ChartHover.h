@@ -109,7 +109,7 @@ private:
     [[nodiscard]] std::optional<Point> pointAt(const QPoint& place) const;
     [[nodiscard]] std::optional<Point> pointOf(unsigned long long caseID) const;
 
-    QPointer<QVTKOpenGLNativeWidget> m_widget;
+    QPointer<QWidget> m_widget; ///< not as what it is: events come while it goes, too
     vtkSmartPointer<ChartXY> m_chart;
     vtkSmartPointer<vtkRenderWindow> m_window;
     boost::shared_ptr<HoveredCase> m_hovered;
