@@ -766,7 +766,7 @@ void MainWindow::updateRecent()
     m_recentMenu->clear();
     const QStringList recent = QSettings().value(recentKey).toStringList();
     for (const QString& path : recent) {
-        QAction* action = m_recentMenu->addAction(path);
+        QAction* action = m_recentMenu->addAction(withoutMnemonic(path));
         connect(action, &QAction::triggered, this, [this, path] { openStudy(path); });
     }
     m_recentMenu->setEnabled(!recent.isEmpty());
