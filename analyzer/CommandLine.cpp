@@ -1,4 +1,5 @@
 #include <analyzer/CommandLine.h>
+#include <analyzer/export/exportPicture.h>
 #include <analyzer/views/viewKinds.h>
 
 #include <algorithm>
@@ -34,6 +35,53 @@ std::string checkedKind(const std::string& kind)
     return kind;
 }
 
+/// A kind of view with a number behind it, or without for the first.
+CommandLine::ViewName parseView(std::string view, const char* option)
+{
+    CommandLine::ViewName name;
+    const std::size_t digits = view.find_last_not_of("0123456789") + 1;
+    // A kind may end in a digit and a letter (scatter3d), never in a digit.
+    if (digits < view.size()) {
+        const std::optional<std::size_t> number =
+            readNumber<std::size_t>(std::string_view(view).substr(digits));
+        if (!number || *number == 0) {
+            throw UsageError(
+                "Views are counted from 1; \"" + view + "\" in " + option + " is none.");
+        }
+        name.number = *number;
+        view.resize(digits);
+    }
+    name.kind = checkedKind(view);
+    return name;
+}
+
+CommandLine::ViewPicture parsePicture(const std::string& text)
+{
+    const std::size_t equals = text.find('=');
+    if (equals == std::string::npos || equals == 0 || equals + 1 == text.size()) {
+        throw UsageError(
+            "--export-view takes VIEW=FILE, as in scatter2=drag.svg; \"" + text
+            + "\" is not of that form.");
+    }
+    CommandLine::ViewPicture picture{
+        parseView(text.substr(0, equals), "--export-view"), text.substr(equals + 1)};
+    try {
+        static_cast<void>(pictureFormat(picture.file));
+    } catch (const ExceptionBase& error) {
+        throw UsageError(error.what());
+    }
+    return picture;
+}
+
+int parseDpi(const std::string& text)
+{
+    const auto dpi = readNumber<int>(text);
+    if (!dpi || *dpi < smallestDpi || *dpi > largestDpi) {
+        throw UsageError("--export-dpi takes a number from 20 to 2400; \"" + text + "\" is none.");
+    }
+    return *dpi;
+}
+
 CommandLine::Assignment parseAssignment(const std::string& text)
 {
     const std::size_t equals = text.find('=');
@@ -45,19 +93,7 @@ CommandLine::Assignment parseAssignment(const std::string& text)
             + "\" is not of that form.");
     }
     CommandLine::Assignment assignment;
-    std::string view = text.substr(0, point);
-    const std::size_t digits = view.find_last_not_of("0123456789") + 1;
-    // A kind may end in a digit and a letter (scatter3d), never in a digit.
-    if (digits < view.size()) {
-        const std::optional<std::size_t> number =
-            readNumber<std::size_t>(std::string_view(view).substr(digits));
-        if (!number || *number == 0) {
-            throw UsageError("Views are counted from 1; \"" + view + "\" in --set is none.");
-        }
-        assignment.viewNumber = *number;
-        view.resize(digits);
-    }
-    assignment.viewKind = checkedKind(view);
+    assignment.view = parseView(text.substr(0, point), "--set");
     assignment.property = text.substr(point + 1, equals - point - 1);
     assignment.value = text.substr(equals + 1);
     return assignment;
@@ -125,7 +161,7 @@ CommandLine::Filter parseFilter(const std::string& text)
         + text + "\" is not of that form.");
 }
 
-QSize parseSize(const std::string& text)
+QSize parseSize(const std::string& text, const std::string& option)
 {
     constexpr int largest = 16384;
     const std::size_t cross = text.find('x');
@@ -135,7 +171,7 @@ QSize parseSize(const std::string& text)
         cross == std::string::npos ? std::nullopt : readNumber<int>(view.substr(cross + 1));
     if (!width || !height || *width < 1 || *height < 1 || *width > largest || *height > largest) {
         throw UsageError(
-            "--size takes WxH in pixels up to 16384, as in 1600x900; \"" + text
+            option + " takes WxH in pixels up to 16384, as in 1600x900; \"" + text
             + "\" is no such size.");
     }
     return {*width, *height};
@@ -204,7 +240,7 @@ CommandLine CommandLine::parse(const std::vector<std::string>& arguments)
         } else if (option == "--filter") {
             commandLine.filters.push_back(parseFilter(value()));
         } else if (option == "--size") {
-            commandLine.size = parseSize(value());
+            commandLine.size = parseSize(value(), option);
         } else if (option == "--screenshot") {
             commandLine.screenshot = value();
             if (commandLine.screenshot.empty()) {
@@ -215,16 +251,53 @@ CommandLine CommandLine::parse(const std::vector<std::string>& arguments)
             if (commandLine.exportCsv.empty()) {
                 throw UsageError("--export-csv needs the name of a file.");
             }
+        } else if (option == "--export-view") {
+            commandLine.pictures.push_back(parsePicture(value()));
+        } else if (option == "--export-size") {
+            commandLine.pictureSize = parseSize(value(), option);
+        } else if (option == "--export-dpi") {
+            commandLine.pictureDpi = parseDpi(value());
+        } else if (option == "--report") {
+            commandLine.report = value();
+            if (commandLine.report.empty()) {
+                throw UsageError("--report needs the name of a file.");
+            }
+        } else if (option == "--session") {
+            commandLine.session = value();
+            if (commandLine.session.empty()) {
+                throw UsageError("--session needs the name of a file.");
+            }
+        } else if (option == "--save-session") {
+            commandLine.saveSession = value();
+            if (commandLine.saveSession.empty()) {
+                throw UsageError("--save-session needs the name of a file.");
+            }
         } else {
             throw UsageError("There is no option " + option + "; --help lists those there are.");
         }
     }
 
-    const bool needsStudy = commandLine.info || commandLine.hasSelection
-        || !commandLine.assignments.empty() || !commandLine.filters.empty()
-        || !commandLine.exportCsv.empty();
-    if (needsStudy && commandLine.study.empty() && !commandLine.help && !commandLine.version) {
-        throw UsageError("--info, --set, --select, --filter and --export-csv need a study.");
+    if (commandLine.help || commandLine.version) {
+        return commandLine;
+    }
+    constexpr std::string_view sessionEnd = ".dvsession";
+    const std::string& study = commandLine.study;
+    if (study.size() > sessionEnd.size() && commandLine.session.empty()
+        && study.compare(study.size() - sessionEnd.size(), sessionEnd.size(), sessionEnd) == 0) {
+        commandLine.session = std::exchange(commandLine.study, std::string());
+    }
+    if (!commandLine.study.empty() && !commandLine.session.empty()) {
+        throw UsageError("A session has its study with it; --session goes without another one.");
+    }
+    const bool needsStudy = commandLine.hasSelection || !commandLine.assignments.empty()
+        || !commandLine.filters.empty() || !commandLine.exportCsv.empty()
+        || !commandLine.saveSession.empty() || !commandLine.pictures.empty()
+        || !commandLine.report.empty();
+    const bool hasStudy = !commandLine.study.empty() || !commandLine.session.empty();
+    if ((needsStudy && !hasStudy) || (commandLine.info && commandLine.study.empty())) {
+        throw UsageError(
+            "--info, --set, --select, --filter, --save-session, --report and the exports need a "
+            "study.");
     }
     return commandLine;
 }
@@ -235,20 +308,31 @@ std::string CommandLine::helpText()
         "Usage: dataviews-analyzer [STUDY] [OPTION]...\n"
         "Shows the cases of a study in linked views. STUDY is a CSV file or a folder with one: a "
         "table with a header,\n"
-        "a Cinema database (version D) or a Design Explorer table.\n"
+        "a Cinema database (version D) or a Design Explorer table; or a saved session "
+        "(*.dvsession).\n"
         "\n"
         "  --info                      print what the study holds, and leave; needs no display\n"
         "  --view KIND                 open a view of this kind; can be repeated. Without it, an "
         "XY chart and a\n"
-        "                              table of cases are opened\n"
+        "                              table of cases are opened, and a matrix of the images if "
+        "there are any\n"
         "  --set VIEW.PROPERTY=VALUE   change a setting; VIEW is a kind, with a number where there "
         "are several:\n"
         "                              scatter2.x=Drag\n"
         "  --select IDS                select cases by ID: 3,7,20-40\n"
         "  --filter VAR=MIN..MAX       show only cases whose VAR is in the range; MIN or MAX may\n"
         "                              be left out; can be repeated for other variables\n"
+        "  --session FILE              open what was saved, with its study; --view adds views to "
+        "it\n"
+        "  --save-session FILE         save what is open, and leave\n"
         "  --export-csv FILE           write the cases that pass the filters, with all variables, "
         "and leave\n"
+        "  --export-view VIEW=FILE     write a picture of a view as PNG, SVG or PDF, by the end of "
+        "the name, and leave;\n"
+        "                              can be repeated\n"
+        "  --export-size WxH           the size of these pictures in pixels\n"
+        "  --export-dpi N              their pixels per inch, 20 to 2400\n"
+        "  --report FILE.html          write a report with pictures of all views, and leave\n"
         "  --size WxH                  the size of the window in pixels\n"
         "  --screenshot FILE.png       write a picture of the window, and leave\n"
         "  --help                      print this text, and leave\n"

@@ -22,11 +22,23 @@ public:
 /// What the program is asked to do. Texts are UTF-8.
 struct CommandLine
 {
+    struct ViewName
+    {
+        std::string kind;
+        std::size_t number = 1; ///< among the views of the kind, from 1
+    };
+
+    /// One --export-view: VIEW=FILE.
+    struct ViewPicture
+    {
+        ViewName view;
+        std::string file;
+    };
+
     /// One --set: VIEW.PROPERTY=VALUE.
     struct Assignment
     {
-        std::string viewKind;
-        std::size_t viewNumber = 1; ///< among the views of the kind, from 1
+        ViewName view;
         std::string property;
         std::string value;
     };
@@ -50,6 +62,13 @@ struct CommandLine
     bool hasSelection = false;
     std::optional<QSize> size;
     std::string screenshot; ///< empty if none is asked for
+    std::vector<ViewPicture> pictures;
+    std::optional<QSize> pictureSize;
+    int pictureDpi = 0; ///< 0 if none is asked for
+    std::string report; ///< the file for a report; empty if none is asked for
+    std::string
+        session; ///< to be opened in place of a study, also named in its place; empty if none is
+    std::string saveSession; ///< the file for a session; empty if none is asked for
     std::string exportCsv; ///< the file for the cases shown; empty if none is asked for
 
     /// Understands \p arguments, those after the program's name.

@@ -1,17 +1,31 @@
+#include <analyzer/Autosave.h>
 #include <analyzer/HistoryView.h>
 #include <analyzer/MainWindow.h>
+#include <analyzer/PictureDialog.h>
+#include <analyzer/SessionKeeper.h>
 #include <analyzer/StudyLoader.h>
-#include <analyzer/ViewFrame.h>
+#include <analyzer/ViewArea.h>
+#include <analyzer/export/ReplacementFile.h>
+#include <analyzer/export/Report.h>
+#include <analyzer/export/exportPicture.h>
+#include <analyzer/export/makeReport.h>
 #include <analyzer/export/writeCasesCsv.h>
+#include <analyzer/export/writeHtmlReport.h>
 #include <analyzer/filters/FilterList.h>
+#include <analyzer/imageViews.h>
 #include <analyzer/panels/FiltersPanel.h>
 #include <analyzer/panels/SettingsPanel.h>
+#include <analyzer/panels/TagsPanel.h>
 #include <analyzer/panels/plainToolTip.h>
 #include <analyzer/panels/withoutMnemonic.h>
 #include <analyzer/selection/UndoableSelectionModel.h>
+#include <analyzer/session/sessionText.h>
+#include <analyzer/session/sessionXml.h>
 #include <analyzer/study/studyInfo.h>
+#include <analyzer/tags/TagEditor.h>
 #include <analyzer/views/AnalyzerViewInterface.h>
 #include <analyzer/views/HoveredCase.h>
+#include <analyzer/views/ImageMatrixViewInterface.h>
 #include <analyzer/views/SelectedImageView.h>
 #include <analyzer/views/ViewServices.h>
 #include <analyzer/views/countText.h>
@@ -30,18 +44,21 @@
 #include <QActionGroup>
 #include <QApplication>
 #include <QCloseEvent>
+#include <QDate>
 #include <QDockWidget>
 #include <QDragEnterEvent>
 #include <QFile>
 #include <QFileDialog>
 #include <QFileInfo>
 #include <QLabel>
+#include <QLocale>
 #include <QMenu>
 #include <QMenuBar>
 #include <QMessageBox>
 #include <QMimeData>
 #include <QProgressDialog>
 #include <QSettings>
+#include <QShortcut>
 #include <QStatusBar>
 #include <QToolBar>
 #include <QUndoStack>
@@ -69,6 +86,7 @@ constexpr int maxRecent = 10;
 constexpr int maxUndoSteps = 1000;
 constexpr int progressInterval = 50; // milliseconds
 constexpr int progressSteps = 1000;
+constexpr int remarkTime = 10000; // milliseconds
 
 constexpr std::uint64_t zoomStep = 5; // percent
 constexpr std::uint64_t largestZoom = 100;
@@ -111,6 +129,7 @@ MainWindow::MainWindow()
     , m_images(boost::make_shared<ImageCache>())
     , m_scaledImages(boost::make_shared<AsyncImageCache>())
     , m_hovered(boost::make_shared<HoveredCase>())
+    , m_tags(std::make_unique<TagEditor>(*m_filters))
     , m_loader(new StudyLoader(this))
 {
     setObjectName(QStringLiteral("MainWindow"));
@@ -120,26 +139,39 @@ MainWindow::MainWindow()
 
     UndoStack::history().clear(); // takes a limit only while it is empty
     UndoStack::history().setUndoLimit(maxUndoSteps);
+    const ViewServices services{*m_pipeline, m_selection, m_images, m_scaledImages, m_hovered};
+    m_viewArea = new ViewArea(services, this);
+    setCentralWidget(m_viewArea);
     buildMenus();
     buildPanels();
+    m_sessions = std::make_unique<SessionKeeper>(
+        SessionKeeper::Parts{*this, *m_viewArea, *m_filters, *m_tags, *m_selection, services});
+    connect(m_viewArea, &ViewArea::activeViewChanged, this, &MainWindow::activeViewChanged);
+    connect(m_viewArea, &ViewArea::viewsChanged, this, &MainWindow::updateActions);
+    connect(m_viewArea, &ViewArea::menuRequested, this, &MainWindow::showContextMenu);
+    connect(m_viewArea, &ViewArea::imageActivated, this, &MainWindow::showImage);
+    connect(m_viewArea, &ViewArea::problemTold, this, &MainWindow::tellError);
 
     m_connections.add(m_selection->signalSelectionChanged.connect(
         [this](const std::set<unsigned long long>& selection) {
             m_selectedCount = selection.size();
             updateStatus();
+            // When the views have it, too.
+            QTimer::singleShot(0, m_tagsPanel, [this] { m_tagsPanel->imagesChanged(); });
         }));
     m_connections.add(m_pipeline->signalPipelineChanged.connect([this] { updateStatus(); }));
     connect(m_loader, &StudyLoader::finished, this, &MainWindow::takeStudy);
-    connect(m_loader, &StudyLoader::cancelled, this, &MainWindow::closeProgress);
+    connect(m_loader, &StudyLoader::cancelled, this, [this] {
+        closeProgress();
+        m_pendingSession.reset();
+    });
     connect(
         m_loader, &StudyLoader::failed, this, [this](const QString& path, const QString& message) {
             closeProgress();
+            m_pendingSession.reset();
             tellError(message);
             Q_EMIT openingFailed(path, message);
         });
-    connect(qApp, &QApplication::focusChanged, this, [this](QWidget*, QWidget* now) {
-        focusMoved(now);
-    });
     m_progressTimer.setInterval(progressInterval);
     connect(&m_progressTimer, &QTimer::timeout, this, [this] {
         if (m_progress && m_loader->isRunning()) {
@@ -155,22 +187,83 @@ MainWindow::MainWindow()
 
 MainWindow::~MainWindow()
 {
-    // Focus moves also while the parts of the window go.
-    disconnect(qApp, nullptr, this, nullptr);
     m_connections.clear();
-    closeViews();
+    m_sessions.reset();
+    m_viewArea->closeAll();
     UndoStack::history().clear();
-    // Before the filters that it shows.
+    m_viewArea->disconnect(this);
+    // Before the filters and the tags that they show.
     delete m_filtersPanel;
+    delete m_tagsPanel;
 }
 
 void MainWindow::openStudy(const QString& path)
 {
-    m_loader->start(path);
+    if (!mayLeaveSession()) {
+        return;
+    }
+    m_pendingSession.reset();
+    startLoading(path, tr("Open Study"), false);
+}
+
+void MainWindow::openSession(const QString& path)
+{
+    openSession(path, true);
+}
+
+void MainWindow::openSession(const QString& path, bool isOwn)
+{
+    if (!mayLeaveSession()) {
+        return;
+    }
+    try {
+        QFile file(path);
+        if (!file.open(QIODevice::ReadOnly)) {
+            throw ExceptionBase(
+                "The session \"" + path.toStdString()
+                + "\" cannot be opened: " + file.errorString().toStdString() + ".");
+        }
+        // One more than any session has, so that a larger one is noticed.
+        Session session = readSession(file.read(largestSession + 1));
+        const QString study = SessionKeeper::studyPath(session, QFileInfo(path).absolutePath());
+        if (!QFileInfo::exists(study)) {
+            throw ExceptionBase(
+                "The study of the session is not there any more: \"" + study.toStdString() + "\".");
+        }
+        m_pendingSession =
+            PendingSession{std::move(session), QFileInfo(path).absoluteFilePath(), isOwn};
+        startLoading(study, tr("Open Session"), true);
+    } catch (const ExceptionBase& error) {
+        const QString message = QString::fromUtf8(error.what());
+        tellError(message);
+        Q_EMIT openingFailed(path, message);
+    }
+}
+
+void MainWindow::saveSession(const QString& path)
+{
+    const CvWaitCursor wait;
+    const QByteArray text = sessionText(QFileInfo(path).absolutePath());
+    ReplacementFile file(path.toStdString());
+    file.write(text.constData(), static_cast<std::size_t>(text.size()));
+    file.commit();
+}
+
+QByteArray MainWindow::sessionText(const QString& folder) const
+{
+    if (Project::project().caseCount() == 0) {
+        throw ExceptionBase("There is no study open that a session could be saved of.");
+    }
+    return m_sessions->write(folder);
+}
+
+void MainWindow::startLoading(const QString& path, const QString& title, bool withFingerprint)
+{
+    m_loader->start(path, withFingerprint);
     closeProgress();
     m_progress = new QProgressDialog(
         tr("Reading %1…").arg(QFileInfo(path).fileName()), tr("Cancel"), 0, progressSteps, this);
-    m_progress->setWindowTitle(tr("Open Study"));
+    m_progress->setWindowTitle(title);
     m_progress->setWindowModality(Qt::WindowModal);
     m_progress->setAutoClose(false);
     m_progress->setAutoReset(false);
@@ -187,63 +280,7 @@ bool MainWindow::isOpening() const
 
 boost::shared_ptr<AnalyzerViewInterface> MainWindow::addView(const std::string& kind)
 {
-    return addView(kind, Qt::Horizontal);
-}
-
-boost::shared_ptr<AnalyzerViewInterface> MainWindow::addView(
-    const std::string& kind, Qt::Orientation beside, QDockWidget* over)
-{
-    boost::shared_ptr<AnalyzerViewInterface> view =
-        makeView(kind, {*m_pipeline, m_selection, m_images, m_scaledImages, m_hovered});
-    int number = 1;
-    for (const OpenView& open : m_views) {
-        number = open.view->kind() == kind ? std::max(number, open.number + 1) : number;
-    }
-
-    auto* dock = new QDockWidget(m_viewArea);
-    dock->setObjectName(QStringLiteral("View%1").arg(++m_viewsMade));
-    dock->setAttribute(Qt::WA_DeleteOnClose, false);
-    dock->setWidget(new ViewFrame(view, m_selection, dock));
-    dock->installEventFilter(this);
-    if (m_views.empty()) {
-        m_welcome->hide();
-        m_viewArea->addDockWidget(Qt::LeftDockWidgetArea, dock);
-    } else if (over != nullptr) {
-        m_viewArea->tabifyDockWidget(over, dock);
-    } else {
-        m_viewArea->splitDockWidget(m_views.back().dock, dock, beside);
-    }
-    m_views.push_back({view, dock, number});
-    nameDock(view.get());
-
-    if (over == nullptr) {
-        // Equal shares for all views.
-        QList<QDockWidget*> docks;
-        QList<int> shares;
-        for (const OpenView& open : m_views) {
-            docks.append(open.dock);
-            shares.append(1);
-        }
-        m_viewArea->resizeDocks(docks, shares, beside);
-    }
-
-    AnalyzerViewInterface* raw = view.get();
-    m_connections.add(view->signalTitleChanged.connect([this, raw] { nameDock(raw); }));
-    m_connections.add(view->signalContextMenuRequested.connect([this, raw](const QPoint& place) {
-        const auto found = find(raw);
-        if (found != m_views.end()) {
-            setActiveView(found->view);
-        }
-        showContextMenu(place);
-    }));
-    m_connections.add(view->signalImageActivated.connect(
-        [this](const WeakPtr<AuxFile>& file) { showImage(file); }));
-    m_connections.add(view->signalProblem.connect(
-        [this](const std::string& sentence) { tellError(QString::fromStdString(sentence)); }));
-    dock->show();
-    setActiveView(view);
-    updateActions();
-    return view;
+    return m_viewArea->open(kind);
 }
 
 void MainWindow::addFirstViews()
@@ -251,7 +288,7 @@ void MainWindow::addFirstViews()
     if (m_firstViews.empty() && Project::project().auxFileCount() > 0) {
         addView("images");
         addView("scatter");
-        addView("table", Qt::Vertical);
+        m_viewArea->open("table", ViewArea::Beside::Below);
         return;
     }
     const std::vector<std::string> plain{"scatter", "table"};
@@ -262,85 +299,93 @@ void MainWindow::addFirstViews()
 
 void MainWindow::showImage(const WeakPtr<AuxFile>& file)
 {
-    const auto open = std::find_if(m_views.rbegin(), m_views.rend(), [](const OpenView& candidate) {
-        return candidate.view->kind() == "selected-image";
+    const auto open = views();
+    const auto last = std::find_if(open.rbegin(), open.rend(), [](const auto& candidate) {
+        return candidate->kind() == "selected-image";
     });
-    const boost::shared_ptr<AnalyzerViewInterface> view = open == m_views.rend()
-        ? addView("selected-image", Qt::Horizontal, largestOtherDock())
-        : open->view;
+    const boost::shared_ptr<AnalyzerViewInterface> view =
+        last == open.rend() ? m_viewArea->open("selected-image", ViewArea::Beside::OnTop) : *last;
     boost::dynamic_pointer_cast<SelectedImageView>(view)->showImage(file);
-    find(view.get())->dock->raise();
-    setActiveView(view);
-}
-
-QDockWidget* MainWindow::largestOtherDock() const
-{
-    const auto area = [](const QDockWidget& dock) {
-        return dock.isVisible() && !dock.isFloating() ? dock.width() * dock.height() : 0;
-    };
-    QDockWidget* largest = nullptr;
-    for (const OpenView& open : m_views) {
-        if (open.view != m_active && area(*open.dock) > (largest == nullptr ? 0 : area(*largest))) {
-            largest = open.dock;
-        }
-    }
-    return largest;
+    m_viewArea->raise(view);
 }
 
 std::vector<boost::shared_ptr<AnalyzerViewInterface>> MainWindow::views() const
 {
-    std::vector<boost::shared_ptr<AnalyzerViewInterface>> result;
-    for (const OpenView& open : m_views) {
-        result.push_back(open.view);
-    }
-    return result;
+    return m_viewArea->views();
 }
 
 boost::shared_ptr<AnalyzerViewInterface> MainWindow::activeView() const
 {
-    return m_active;
+    return m_viewArea->activeView();
 }
 
 void MainWindow::setActiveView(const boost::shared_ptr<AnalyzerViewInterface>& view)
 {
-    if (view == m_active) {
-        return;
-    }
-    m_active = view;
+    m_viewArea->setActiveView(view);
+}
+
+void MainWindow::activeViewChanged()
+{
+    const boost::shared_ptr<AnalyzerViewInterface>& view = m_viewArea->activeView();
     m_activeConnections.clear();
-    if (m_active && m_active->mouseModeProperty()) {
-        m_activeConnections.add(m_active->mouseModeProperty()->valueChanged.connect(
+    if (view && view->mouseModeProperty()) {
+        m_activeConnections.add(view->mouseModeProperty()->valueChanged.connect(
             [this](DataViewInterface::MouseMode) { updateActions(); }));
     }
-    for (const OpenView& open : m_views) {
-        nameDock(open.view.get());
+    if (view) {
+        // A title tells what a view of images shows.
+        m_activeConnections.add(
+            view->signalTitleChanged.connect([this] { m_tagsPanel->imagesChanged(); }));
     }
     m_settings->setView(view);
+    m_tagsPanel->imagesChanged();
     updateActions();
 }
 
 void MainWindow::assign(const CommandLine::Assignment& assignment)
 {
-    std::size_t number = 0;
-    for (const OpenView& open : m_views) {
-        if (open.view->kind() != assignment.viewKind || ++number != assignment.viewNumber) {
-            continue;
+    const boost::shared_ptr<AnalyzerViewInterface> named = view(assignment.view);
+    std::string known;
+    for (const boost::shared_ptr<SettingInterface>& setting : named->settings()) {
+        if (setting->name() == assignment.property) {
+            setting->setText(assignment.value);
+            return;
         }
-        std::string known;
-        for (const boost::shared_ptr<SettingInterface>& setting : open.view->settings()) {
-            if (setting->name() == assignment.property) {
-                setting->setText(assignment.value);
-                return;
-            }
-            known += (known.empty() ? "" : ", ") + setting->name();
-        }
-        throw UsageError(
-            "A view of kind " + assignment.viewKind + " has no property \"" + assignment.property
-            + "\"" + (known.empty() ? std::string(".") : "; it has " + known + "."));
+        known += (known.empty() ? "" : ", ") + setting->name();
     }
     throw UsageError(
-        "There is no view " + assignment.viewKind + std::to_string(assignment.viewNumber)
-        + " to set " + assignment.property + " of.");
+        "A view of kind " + assignment.view.kind + " has no property \"" + assignment.property
+        + "\"" + (known.empty() ? std::string(".") : "; it has " + known + "."));
+}
+
+boost::shared_ptr<AnalyzerViewInterface> MainWindow::view(const CommandLine::ViewName& name) const
+{
+    for (const ViewArea::OpenView& open : m_viewArea->openViews()) {
+        if (open.view->kind() == name.kind
+            && static_cast<std::size_t>(open.number) == name.number) {
+            return open.view;
+        }
+    }
+    throw UsageError("There is no view " + name.kind + std::to_string(name.number) + ".");
+}
+
+void MainWindow::exportReport(const QString& path) const
+{
+    const CvWaitCursor wait;
+    const std::vector<boost::shared_ptr<AnalyzerViewInterface>> open = views();
+    std::vector<AnalyzerViewInterface*> shown;
+    for (const boost::shared_ptr<AnalyzerViewInterface>& view : open) {
+        shown.push_back(view.get());
+    }
+    const QString date = QLocale::c().toString(QDate::currentDate(), QStringLiteral("d MMMM yyyy"));
+    writeHtmlReport(
+        path.toStdString(),
+        makeReport(
+            Project::project(),
+            *m_filters,
+            shown,
+            m_selection->getSelections(),
+            date.toStdString()));
 }
 
 void MainWindow::selectAll()
@@ -383,7 +428,18 @@ void MainWindow::tellError(const QString& message)
 
 void MainWindow::closeEvent(QCloseEvent* event)
 {
+    if (!mayLeaveSession()) {
+        event->ignore();
+        return;
+    }
     m_loader->cancel();
+    if (m_autosave && Project::project().caseCount() > 0) {
+        try {
+            m_autosave->saveAsLast(sessionText(m_autosave->folder()));
+        } catch (const std::exception& error) {
+            tellError(tr("What is open cannot be kept: %1").arg(QString::fromUtf8(error.what())));
+        }
+    }
     QMainWindow::closeEvent(event);
 }
 
@@ -399,18 +455,13 @@ void MainWindow::dropEvent(QDropEvent* event)
 {
     const QList<QUrl> urls = event->mimeData()->urls();
     if (!urls.isEmpty()) {
-        openStudy(urls.first().toLocalFile());
+        const QString path = urls.first().toLocalFile();
+        if (path.endsWith(QLatin1String(".dvsession"))) {
+            openSession(path);
+        } else {
+            openStudy(path);
+        }
     }
-}
-
-bool MainWindow::eventFilter(QObject* watched, QEvent* event)
-{
-    auto* dock = qobject_cast<QDockWidget*>(watched);
-    if (dock != nullptr && event->type() == QEvent::Close) {
-        // Later: the dock is in the middle of its own event.
-        QTimer::singleShot(0, this, [this, dock] { closeView(dock); });
-    }
-    return QMainWindow::eventFilter(watched, event);
 }
 
 void MainWindow::buildMenus()
@@ -419,16 +470,7 @@ void MainWindow::buildMenus()
         return makeAction(*this, std::forward<decltype(arguments)>(arguments)...);
     };
 
-    QMenu* file = menuBar()->addMenu(tr("&File"));
-    QAction* open = add(file, tr("&Open Study…"), QKeySequence::Open, &MainWindow::chooseStudyFile);
-    add(file, tr("Open Study &Folder…"), tr("Ctrl+Shift+O"), &MainWindow::chooseStudyFolder);
-    m_recentMenu = file->addMenu(tr("Open &Recent"));
-    file->addSeparator();
-    m_showReport = add(file, tr("Study &Information…"), QKeySequence(), &MainWindow::showReport);
-    buildExportMenu(*file);
-    file->addSeparator();
-    QAction* quit = add(file, tr("&Quit"), QKeySequence::Quit, &QWidget::close);
-    quit->setMenuRole(QAction::QuitRole);
+    QAction* open = buildFileMenu();
 
     QMenu* edit = menuBar()->addMenu(tr("&Edit"));
     QAction* undo = UndoStack::history().createUndoAction(this, tr("&Undo"));
@@ -466,11 +508,42 @@ void MainWindow::buildMenus()
     tools->addActions(m_mouseModes->actions());
     tools->addAction(m_fit);
     tools->addSeparator();
-    tools->addActions(newViews.mid(0, 4));
+    // The ones that most studies are looked at with.
+    for (const int index : {0, 1, 3, 4}) {
+        tools->addAction(newViews[index]);
+    }
 
     m_selectionActions = {all, none, invert};
-    m_studyActions = QList<QAction*>{all, none, invert, m_showReport} + newViews;
+    m_studyActions += m_selectionActions + newViews;
     updateRecent();
+}
+
+QAction* MainWindow::buildFileMenu()
+{
+    QMenu* file = menuBar()->addMenu(tr("&File"));
+    const auto add = [this, file](auto&&... arguments) {
+        return makeAction(*this, file, std::forward<decltype(arguments)>(arguments)...);
+    };
+    QAction* open = add(tr("&Open Study…"), QKeySequence::Open, &MainWindow::chooseStudyFile);
+    add(tr("Open Study &Folder…"), tr("Ctrl+Shift+O"), &MainWindow::chooseStudyFolder);
+    m_recentMenu = file->addMenu(tr("Open &Recent"));
+    file->addSeparator();
+    add(tr("Open S&ession…"), tr("Ctrl+Alt+O"), &MainWindow::chooseSession);
+    m_reopenLast = add(tr("Reopen &Last Session"), QKeySequence(), [this] {
+        openSession(m_autosave->lastSession(), false);
+    });
+    m_reopenLast->setEnabled(false);
+    QAction* save = add(tr("&Save Session"), QKeySequence::Save, [this] { saveSession(); });
+    QAction* saveAs =
+        add(tr("Save Session &As…"), tr("Ctrl+Shift+S"), [this] { chooseAndSaveSession(); });
+    file->addSeparator();
+    m_showReport = add(tr("Study &Information…"), QKeySequence(), &MainWindow::showReport);
+    buildExportMenu(*file);
+    file->addSeparator();
+    QAction* quit = add(tr("&Quit"), QKeySequence::Quit, &QWidget::close);
+    quit->setMenuRole(QAction::QuitRole);
+    m_studyActions += {save, saveAs, m_showReport};
+    return open;
 }
 
 QList<QAction*> MainWindow::buildViewMenu()
@@ -480,14 +553,28 @@ QList<QAction*> MainWindow::buildViewMenu()
     };
 
     m_viewMenu = menuBar()->addMenu(tr("&View"));
-    const QList<QAction*> newViews = {
-        add(tr("New &XY Chart"), tr("Ctrl+N"), [this] { addView("scatter"); }),
-        add(tr("New &Line Chart"), tr("Ctrl+L"), [this] { addView("line"); }),
-        add(tr("New Case &Table"), tr("Ctrl+T"), [this] { addView("table"); }),
-        add(tr("New Image &Matrix"), tr("Ctrl+M"), [this] { addView("images"); }),
-        add(tr("New View of Selected &Images"), tr("Ctrl+Shift+M"), [this] {
-            addView("selected-image");
-        })};
+
+    const struct
+    {
+        QString text;
+        QString shortcut;
+        const char* kind;
+    } kinds[] = {
+        {tr("New &XY Chart"), tr("Ctrl+N"), "scatter"},
+        {tr("New &Line Chart"), tr("Ctrl+L"), "line"},
+        {tr("New &3-D Chart"), tr("Ctrl+Shift+N"), "scatter3d"},
+        {tr("New Case &Table"), tr("Ctrl+T"), "table"},
+        {tr("New Image &Matrix"), tr("Ctrl+M"), "images"},
+        {tr("New View of Selected &Cases"), tr("Ctrl+Shift+T"), "selected-cases"},
+        {tr("New View of Selected &Images"), tr("Ctrl+Shift+M"), "selected-image"},
+        {tr("New Image &Difference"), tr("Ctrl+Shift+D"), "image-diff"},
+    };
+
+    QList<QAction*> newViews;
+    for (const auto& kind : kinds) {
+        newViews +=
+            add(kind.text, kind.shortcut, [this, name = std::string(kind.kind)] { addView(name); });
+    }
     m_viewMenu->addSeparator();
     m_mouseModes = new QActionGroup(this);
 
@@ -504,8 +591,8 @@ QList<QAction*> MainWindow::buildViewMenu()
 
     for (const auto& mode : modes) {
         QAction* action = add(mode.text, mode.shortcut, [this, value = mode.mode] {
-            if (m_active && m_active->mouseModeProperty()) {
-                m_active->mouseModeProperty()->setValue(value);
+            if (activeView() && activeView()->mouseModeProperty()) {
+                activeView()->mouseModeProperty()->setValue(value);
             }
         });
         action->setCheckable(true);
@@ -513,21 +600,21 @@ QList<QAction*> MainWindow::buildViewMenu()
         m_mouseModes->addAction(action);
     }
     m_viewMenu->addSeparator();
-    m_fit = add(tr("&Fit Data"), tr("Ctrl+0"), [this] { m_active->fitData(); });
-    m_resetX = add(tr("Reset X Axis"), tr("Ctrl+Shift+X"), [this] { m_active->resetXAxis(); });
-    m_resetY = add(tr("Reset Y Axis"), tr("Ctrl+Shift+Y"), [this] { m_active->resetYAxis(); });
+    m_fit = add(tr("&Fit Data"), tr("Ctrl+0"), [this] { activeView()->fitData(); });
+    m_resetX = add(tr("Reset X Axis"), tr("Ctrl+Shift+X"), [this] { activeView()->resetXAxis(); });
+    m_resetY = add(tr("Reset Y Axis"), tr("Ctrl+Shift+Y"), [this] { activeView()->resetYAxis(); });
     m_viewMenu->addSeparator();
     m_zoomIn = add(tr("Zoom &In"), QKeySequence::ZoomIn, [this] {
-        const std::uint64_t zoom = m_active->zoom()->value();
-        m_active->zoom()->setValue(std::max(zoom, std::min(zoom + zoomStep, largestZoom)));
+        const std::uint64_t zoom = activeView()->zoom()->value();
+        activeView()->zoom()->setValue(std::max(zoom, std::min(zoom + zoomStep, largestZoom)));
     });
     m_zoomOut = add(tr("Zoom &Out"), QKeySequence::ZoomOut, [this] {
-        const std::uint64_t zoom = m_active->zoom()->value();
-        m_active->zoom()->setValue(zoom - std::min(zoom, zoomStep));
+        const std::uint64_t zoom = activeView()->zoom()->value();
+        activeView()->zoom()->setValue(zoom - std::min(zoom, zoomStep));
     });
     // Shares its keys with fitting the data: no view has both.
-    m_resetZoom =
-        add(tr("Reset Z&oom"), tr("Ctrl+0"), [this] { m_active->zoom()->setValue(initialZoom); });
+    m_resetZoom = add(
+        tr("Reset Z&oom"), tr("Ctrl+0"), [this] { activeView()->zoom()->setValue(initialZoom); });
     return newViews;
 }
 
@@ -545,29 +632,59 @@ void MainWindow::buildExportMenu(QMenu& file)
         if (path.isEmpty()) {
             return;
         }
-        try {
-            exportPipelineTable(path);
-        } catch (const ExceptionBase& error) {
-            tellError(QString::fromUtf8(error.what()));
+        attempt([&] { exportPipelineTable(path); });
+    });
+    menu->addSeparator();
+    m_exportPicture = makeAction(
+        *this, menu, tr("&View as Picture…"), QKeySequence(), [this] { choosePicture(); });
+    m_exportReport = makeAction(*this, menu, tr("&Report…"), QKeySequence(), [this] {
+        const QString path = chooseFileToWrite(
+            tr("Export Report"), tr("Web pages (*.html)"), QStringLiteral("html"));
+        if (!path.isEmpty()) {
+            attempt([&] { exportReport(path); });
         }
     });
 }
 
+void MainWindow::choosePicture()
+{
+    const boost::shared_ptr<AnalyzerViewInterface> view = activeView();
+    const QString path = chooseFileToWrite(
+        tr("Export %1").arg(m_viewArea->nameOf(*view)),
+        tr("Pictures (*.png *.svg *.pdf)"),
+        QStringLiteral("png"));
+    if (path.isEmpty()) {
+        return;
+    }
+    PictureDialog dialog(view->widget().size(), this);
+    if (dialog.exec() == QDialog::Accepted) {
+        const CvWaitCursor wait;
+        attempt([&] { exportPicture(*view, path.toStdString(), dialog.options()); });
+    }
+}
+
+QString MainWindow::chooseFileToWrite(
+    const QString& title, const QString& kinds, const QString& suffix)
+{
+    QFileDialog dialog(this, title);
+    dialog.setAcceptMode(QFileDialog::AcceptSave);
+    dialog.setNameFilter(kinds);
+    dialog.setDefaultSuffix(suffix);
+    return dialog.exec() == QDialog::Accepted ? dialog.selectedFiles().constFirst() : QString();
+}
+
+template <class Function>
+void MainWindow::attempt(Function function)
+{
+    try {
+        function();
+    } catch (const std::exception& error) {
+        tellError(QString::fromUtf8(error.what()));
+    }
+}
+
 void MainWindow::buildPanels()
 {
-    m_viewArea = new QMainWindow(this);
-    m_viewArea->setWindowFlags(Qt::Widget); // a main window asks to be a window of its own
-    m_viewArea->setDockNestingEnabled(true);
-    m_viewArea->setTabPosition(Qt::AllDockWidgetAreas, QTabWidget::North);
-    // Charts place their legends in the first picture: no pictures of sizes on the way.
-    m_viewArea->setAnimated(false);
-    m_welcome = new QLabel(
-        tr("Open a study: File ▸ Open Study, or drop a file or folder here."), m_viewArea);
-    m_welcome->setAlignment(Qt::AlignCenter);
-    m_welcome->setWordWrap(true);
-    m_viewArea->setCentralWidget(m_welcome);
-    setCentralWidget(m_viewArea);
-
     m_settings = new SettingsPanel(this);
     auto* settingsDock = new QDockWidget(tr("Settings"), this);
     settingsDock->setObjectName(QStringLiteral("Settings"));
@@ -583,6 +700,16 @@ void MainWindow::buildPanels()
     m_viewMenu->addAction(settingsDock->toggleViewAction());
     m_viewMenu->addAction(filtersDock->toggleViewAction());
 
+    auto* tagsDock = new QDockWidget(tr("Tags"), this);
+    tagsDock->setObjectName(QStringLiteral("Tags"));
+    m_tagsPanel = new TagsPanel(*m_tags, m_selection, this);
+    tagsDock->setWidget(m_tagsPanel);
+    addDockWidget(Qt::RightDockWidgetArea, tagsDock);
+    tabifyDockWidget(filtersDock, tagsDock);
+    filtersDock->raise();
+    m_viewMenu->addAction(tagsDock->toggleViewAction());
+    connectTagsPanel();
+
     auto* historyDock = new QDockWidget(tr("History"), this);
     historyDock->setObjectName(QStringLiteral("History"));
     historyDock->setWidget(new HistoryView(historyDock));
@@ -593,6 +720,38 @@ void MainWindow::buildPanels()
     m_status = new QLabel(this);
     m_status->setObjectName(QStringLiteral("SelectionStatus"));
     statusBar()->addPermanentWidget(m_status);
+}
+
+void MainWindow::connectTagsPanel()
+{
+    m_tagsPanel->setImages(
+        [this] { return activeView() ? imagesMeantIn(*activeView()) : TagEditor::Files(); });
+    m_connections.add(m_tagsPanel->signalShowUnderImages.connect(
+        [this](const std::string& tag) { matrixForTags()->showTag(tag); }));
+    m_connections.add(m_tagsPanel->signalLayOutByTags.connect(
+        [this](const std::string& group) { matrixForTags()->layOutByTags(group); }));
+    constexpr int mostKeys = 9;
+    for (int number = 1; number <= mostKeys; ++number) {
+        // Fields for numbers and texts take the digits first.
+        auto* shortcut = new QShortcut(QKeySequence(QString::number(number)), this);
+        connect(shortcut, &QShortcut::activated, this, [this, number] {
+            m_tagsPanel->toggleTag(number);
+        });
+    }
+}
+
+boost::shared_ptr<ImageMatrixViewInterface> MainWindow::matrixForTags()
+{
+    // The active one, else the one opened last, else a new one.
+    std::vector<boost::shared_ptr<AnalyzerViewInterface>> candidates = views();
+    candidates.push_back(activeView());
+    for (auto view = candidates.rbegin(); view != candidates.rend(); ++view) {
+        if (*view && imageMatrix(**view)) {
+            m_viewArea->raise(*view);
+            return imageMatrix(**view);
+        }
+    }
+    return imageMatrix(*addView("images"));
 }
 
 void MainWindow::closeProgress()
@@ -608,25 +767,25 @@ void MainWindow::closeProgress()
 void MainWindow::takeStudy(const QString& path)
 {
     closeProgress();
+    if (m_pendingSession) {
+        takeSession(path);
+        return;
+    }
     ReadStudy study = m_loader->takeStudy();
-
-    // The views of the former study go before it does, and with them everything that could be undone.
-    closeViews();
-    {
-        const UndoStack::SuspendUndoRecording noRecording;
-        m_selection->setSelection({});
-    }
-    UndoStack::history().clear();
-    m_report = study.report;
     const std::size_t filterCount = m_filters->filters().size();
-    Project::project().replaceStudy(*study.project);
-
-    setWindowTitle(tr("%1 – DataViews").arg(QString::fromStdString(Project::project().name())));
+    replaceStudy(study);
+    m_sessions->studyOpened(m_loader->readingBegan());
+    m_sessionPath.clear();
     rememberRecent(path);
-    addFirstViews();
-    if (!m_views.empty()) {
-        setActiveView(m_views.front().view);
+    {
+        // What a study opens with is no doing of the user's.
+        const UndoStack::SuspendUndoRecording noRecording;
+        addFirstViews();
     }
+    if (!views().empty()) {
+        setActiveView(views().front());
+    }
+    updateTitle();
     updateActions();
     updateStatus();
     QStringList remarks;
@@ -636,75 +795,73 @@ void MainWindow::takeStudy(const QString& path)
     if (filterCount > 0) {
         remarks += tr("The filters of the former study are gone.");
     }
-    constexpr int remarkTime = 10000; // milliseconds
     statusBar()->showMessage(remarks.join(QStringLiteral(" ")), remarkTime);
     Q_EMIT studyOpened(path);
 }
 
-void MainWindow::closeViews()
+void MainWindow::takeSession(const QString& path)
 {
-    while (!m_views.empty()) {
-        closeView(m_views.back().dock);
-    }
-}
-
-void MainWindow::closeView(QDockWidget* dock)
-{
-    const auto place = std::find_if(
-        m_views.begin(), m_views.end(), [dock](const OpenView& open) { return open.dock == dock; });
-    if (place == m_views.end()) {
+    const PendingSession pending = *std::exchange(m_pendingSession, std::nullopt);
+    ReadStudy study = m_loader->takeStudy();
+    const StudyFingerprint fingerprint = m_loader->fingerprint().value_or(StudyFingerprint());
+    QStringList remarks;
+    try {
+        const CvWaitCursor wait;
+        remarks = m_sessions->tryOut(pending.session, study, fingerprint);
+    } catch (const std::exception& error) {
+        const QString message = QString::fromUtf8(error.what());
+        tellError(message);
+        Q_EMIT openingFailed(pending.path, message);
         return;
     }
-    const OpenView closed = *place;
-    m_views.erase(place);
-    if (m_active == closed.view) {
-        setActiveView(
-            m_views.empty() ? boost::shared_ptr<AnalyzerViewInterface>() : m_views.back().view);
+    replaceStudy(study);
+    m_sessions->restore(pending.session, fingerprint);
+    m_sessions->studyOpened(m_loader->readingBegan(), fingerprint);
+    m_sessionPath = pending.isOwn ? pending.path : QString();
+    if (m_autosave && m_autosave->isLeftBehind(pending.path)) {
+        m_autosave->forget(pending.path);
     }
-    closed.view->widget().setParent(nullptr); // the view's own
-    delete closed.dock;
-    m_welcome->setVisible(m_views.empty());
+    rememberRecent(path);
+    updateTitle();
     updateActions();
+    updateStatus();
+    Q_EMIT sessionOpened(pending.path, remarks);
+    if (!remarks.isEmpty()) {
+        tellError(tr("Not all of the session could be restored:\n%1")
+                      .arg(remarks.join(QLatin1Char('\n'))));
+    }
 }
 
-void MainWindow::nameDock(const AnalyzerViewInterface* view)
+void MainWindow::replaceStudy(ReadStudy& study)
 {
-    const auto found = find(view);
-    if (found == m_views.end()) {
-        return;
+    // The views of the former study go before it does, and with them everything that could be undone.
+    m_viewArea->closeAll();
+    {
+        const UndoStack::SuspendUndoRecording noRecording;
+        m_selection->setSelection({});
     }
-    const std::map<std::string, QString> kinds{
-        {"line", tr("Lines")},
-        {"table", tr("Table")},
-        {"images", tr("Images")},
-        {"selected-image", tr("Image")}};
-    const auto named = kinds.find(view->kind());
-    const QString kind = named == kinds.end() ? tr("Chart") : named->second;
-    const QString mark = found->view == m_active ? QStringLiteral("● ") : QString();
-    found->dock->setWindowTitle(tr("%1%2 %3: %4")
-                                    .arg(mark, kind)
-                                    .arg(found->number)
-                                    .arg(QString::fromStdString(view->title())));
+    UndoStack::history().clear();
+    m_report = study.report;
+    Project::project().replaceStudy(*study.project);
 }
 
-void MainWindow::focusMoved(const QWidget* widget)
+void MainWindow::updateTitle()
 {
-    for (const OpenView& open : m_views) {
-        if (widget != nullptr && (widget == open.dock || open.dock->isAncestorOf(widget))) {
-            setActiveView(open.view);
-            return;
-        }
-    }
+    const QString study = QString::fromStdString(Project::project().name());
+    const QString session = m_sessionPath.isEmpty()
+        ? QString()
+        : QStringLiteral(" (%1)").arg(QFileInfo(m_sessionPath).fileName());
+    setWindowTitle(tr("%1%2 – DataViews").arg(study, session));
 }
 
 void MainWindow::showContextMenu(const QPoint& place)
 {
     QMenu menu(this);
-    if (m_active) {
-        m_active->addContextActions(menu);
+    if (activeView()) {
+        activeView()->addContextActions(menu);
         menu.addSeparator();
     }
-    if (m_active && m_active->hasAxes()) {
+    if (activeView() && activeView()->hasAxes()) {
         menu.addActions({m_fit, m_resetX, m_resetY});
         menu.addSeparator();
         menu.addActions(m_mouseModes->actions());
@@ -716,24 +873,26 @@ void MainWindow::showContextMenu(const QPoint& place)
 
 void MainWindow::updateActions()
 {
+    updateExportActions();
     const bool hasStudy = Project::project().caseCount() > 0;
     for (QAction* action : m_studyActions) {
         action->setEnabled(hasStudy);
     }
-    const bool hasAxes = m_active && m_active->hasAxes();
+    const bool hasAxes = activeView() && activeView()->hasAxes();
     for (QAction* action : {m_fit, m_resetX, m_resetY}) {
         action->setEnabled(hasAxes);
     }
-    const bool zooms = m_active && m_active->zoom();
+    const bool zooms = activeView() && activeView()->zoom();
     for (QAction* action : {m_zoomIn, m_zoomOut, m_resetZoom}) {
         action->setEnabled(zooms);
     }
-    const bool hasModes = m_active && m_active->mouseModeProperty();
+    const bool hasModes = activeView() && activeView()->mouseModeProperty();
     for (QAction* action : m_mouseModes->actions()) {
         action->setEnabled(hasModes);
         action->setChecked(
             hasModes
-            && action->data().toInt() == static_cast<int>(m_active->mouseModeProperty()->value()));
+            && action->data().toInt()
+                == static_cast<int>(activeView()->mouseModeProperty()->value()));
     }
 }
 
@@ -742,6 +901,8 @@ void MainWindow::updateExportActions()
     const bool hasStudy = Project::project().caseCount() > 0;
     m_exportShown->setEnabled(hasStudy);
     m_exportTable->setEnabled(hasStudy);
+    m_exportReport->setEnabled(hasStudy);
+    m_exportPicture->setEnabled(hasStudy && activeView());
     m_exportSelected->setEnabled(hasStudy && m_selectedCount > 0);
 }
 
@@ -800,6 +961,107 @@ void MainWindow::chooseStudyFolder()
     const QString path = QFileDialog::getExistingDirectory(this, tr("Open Study Folder"));
     if (!path.isEmpty()) {
         openStudy(path);
+    }
+}
+
+void MainWindow::chooseSession()
+{
+    const QString path = QFileDialog::getOpenFileName(
+        this, tr("Open Session"), QString(), tr("Sessions (*.dvsession);;All files (*)"));
+    if (!path.isEmpty()) {
+        openSession(path);
+    }
+}
+
+bool MainWindow::saveSession()
+{
+    if (m_sessionPath.isEmpty()) {
+        return chooseAndSaveSession();
+    }
+    try {
+        saveSession(m_sessionPath);
+    } catch (const ExceptionBase& error) {
+        tellError(QString::fromUtf8(error.what()));
+        return false;
+    }
+    UndoStack::history().setClean();
+    statusBar()->showMessage(
+        tr("The session is saved in %1.").arg(QFileInfo(m_sessionPath).fileName()), remarkTime);
+    return true;
+}
+
+bool MainWindow::chooseAndSaveSession()
+{
+    const QString path = chooseFileToWrite(
+        tr("Save Session"), tr("Sessions (*.dvsession)"), QStringLiteral("dvsession"));
+    if (path.isEmpty()) {
+        return false;
+    }
+    const QString former = std::exchange(m_sessionPath, path);
+    const bool isSaved = saveSession();
+    if (!isSaved) {
+        m_sessionPath = former;
+    }
+    updateTitle();
+    return isSaved;
+}
+
+bool MainWindow::mayLeaveSession()
+{
+    if (m_sessionPath.isEmpty() || UndoStack::history().isClean() || !m_tellsErrorsInDialogs) {
+        return true;
+    }
+    const QMessageBox::StandardButton answer = QMessageBox::question(
+        this,
+        tr("DataViews"),
+        tr("The session \"%1\" has changed since it was saved.")
+            .arg(QFileInfo(m_sessionPath).fileName()),
+        QMessageBox::Save | QMessageBox::Discard | QMessageBox::Cancel);
+    return answer == QMessageBox::Discard || (answer == QMessageBox::Save && saveSession());
+}
+
+void MainWindow::startAutosave(const QString& folder)
+{
+    m_autosave = std::make_unique<Autosave>(folder);
+    m_reopenLast->setEnabled(!m_autosave->lastSession().isEmpty());
+    constexpr int interval = 60 * 1000; // milliseconds
+    m_autosaveTimer.setInterval(interval);
+    connect(&m_autosaveTimer, &QTimer::timeout, this, &MainWindow::autosave);
+    m_autosaveTimer.start();
+}
+
+bool MainWindow::offerRecovery()
+{
+    const QStringList left = m_autosave->leftBehind();
+    if (left.isEmpty()) {
+        return false;
+    }
+    const QString& newest = left.constFirst();
+    const QMessageBox::StandardButton answer = QMessageBox::question(
+        this,
+        tr("DataViews"),
+        tr("DataViews ended without being asked to. Restore what was open on %1?")
+            .arg(QLocale().toString(QFileInfo(newest).lastModified(), QLocale::ShortFormat)),
+        QMessageBox::Yes | QMessageBox::No);
+    if (answer == QMessageBox::Yes) {
+        openSession(newest, false);
+        return true;
+    }
+    m_autosave->forget(newest);
+    return false;
+}
+
+void MainWindow::autosave()
+{
+    if (Project::project().caseCount() == 0 || isOpening()) {
+        return;
+    }
+    try {
+        m_autosave->save(sessionText(m_autosave->folder()));
+    } catch (const std::exception& error) {
+        // Not in a dialog every minute.
+        statusBar()->showMessage(
+            tr("What is open cannot be kept: %1").arg(QString::fromUtf8(error.what())), remarkTime);
     }
 }
 
@@ -877,14 +1139,6 @@ void MainWindow::showAbout()
         tr("About DataViews"),
         tr("DataViews %1\nLinked views of the cases of simulation and design studies.")
             .arg(QStringLiteral(DATAVIEWS_VERSION)));
-}
-
-std::vector<MainWindow::OpenView>::const_iterator MainWindow::find(
-    const AnalyzerViewInterface* view) const
-{
-    return std::find_if(m_views.begin(), m_views.end(), [view](const OpenView& open) {
-        return open.view.get() == view;
-    });
 }
 
 } // namespace analyzer

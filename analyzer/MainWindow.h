@@ -1,6 +1,7 @@
 #pragma once
 
 #include <analyzer/CommandLine.h>
+#include <analyzer/session/Session.h>
 #include <analyzer/study/StudyReport.h>
 
 #include <dataviews/platform/data/WeakPtr.h>
@@ -14,15 +15,16 @@
 #include <boost/shared_ptr.hpp>
 
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
 class AsyncImageCache;
 class AuxFile;
 class ImageCache;
+class ImageMatrixViewInterface;
 class QAction;
 class QActionGroup;
-class QDockWidget;
 class QLabel;
 class QMenu;
 class QProgressDialog;
@@ -30,12 +32,18 @@ class SelectionModelInterface;
 
 namespace analyzer {
 
+struct ReadStudy;
+class Autosave;
 class AnalyzerViewInterface;
 class FilterList;
 class FiltersPanel;
 class HoveredCase;
+class SessionKeeper;
 class SettingsPanel;
 class StudyLoader;
+class TagEditor;
+class TagsPanel;
+class ViewArea;
 
 /// The window of the analyzer: menus, the views as docked panels, the settings of the active view, a status line.
 ///
@@ -61,6 +69,24 @@ public:
     /// one. If it cannot be read, everything stays as it is.
     void openStudy(const QString& path);
 
+    /// Reads the session at \p path and its study in the background and then shows them in place of what is open. If
+    /// something of it cannot be read, everything stays as it is.
+    void openSession(const QString& path);
+
+    /// Writes what is open to the session file \p path.
+    /// \throws ExceptionBase if no study is open or the file cannot be written; the old file is whole then.
+    void saveSession(const QString& path);
+
+    /// What is open, as the content of a session file in \p folder.
+    [[nodiscard]] QByteArray sessionText(const QString& folder) const;
+
+    /// Keeps what is open in \p folder from now on, once a minute; see Autosave.
+    void startAutosave(const QString& folder);
+
+    /// Asks the user whether to restore what a program that crashed had open, if there is such a thing, and begins with it;
+    /// false if not. After startAutosave().
+    bool offerRecovery();
+
     /// Whether a study is being read now.
     [[nodiscard]] bool isOpening() const;
 
@@ -79,11 +105,21 @@ public:
     [[nodiscard]] boost::shared_ptr<AnalyzerViewInterface> activeView() const;
     void setActiveView(const boost::shared_ptr<AnalyzerViewInterface>& view);
 
+    /// \throws UsageError if there is no such view.
+    [[nodiscard]] boost::shared_ptr<AnalyzerViewInterface> view(
+        const CommandLine::ViewName& name) const;
+
     /// \throws UsageError if there is no such view or property; ExceptionBase if the value is refused.
     void assign(const CommandLine::Assignment& assignment);
 
     /// The filters that all views show the cases of.
     [[nodiscard]] FilterList& filters() { return *m_filters; }
+
+    /// The user's tags.
+    [[nodiscard]] TagEditor& tags() { return *m_tags; }
+
+    /// Where the views are, to open and close them.
+    [[nodiscard]] ViewArea& viewArea() { return *m_viewArea; }
 
     /// The selection that all views share.
     [[nodiscard]] SelectionModelInterface& selection() { return *m_selection; }
@@ -99,6 +135,10 @@ public:
     /// \throws ExceptionBase if the file cannot be opened.
     void exportPipelineTable(const QString& path) const;
 
+    /// Writes a report with pictures of all views to the file \p path, a page of HTML; see makeReport().
+    /// \throws ExceptionBase if a picture cannot be made or the file not be written.
+    void exportReport(const QString& path) const;
+
     void setTellsErrorsInDialogs(bool inDialogs) { m_tellsErrorsInDialogs = inDialogs; }
 
 public Q_SLOTS:
@@ -111,6 +151,9 @@ public Q_SLOTS:
 
 Q_SIGNALS:
     void studyOpened(const QString& path);
+
+    /// \p remarks has a sentence for everything that could not be restored.
+    void sessionOpened(const QString& path, const QStringList& remarks);
     void openingFailed(const QString& path, const QString& message);
     void errorTold(const QString& message);
 
@@ -118,46 +161,57 @@ protected:
     void closeEvent(QCloseEvent* event) override;
     void dragEnterEvent(QDragEnterEvent* event) override;
     void dropEvent(QDropEvent* event) override;
-    bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
-    struct OpenView
-    {
-        boost::shared_ptr<AnalyzerViewInterface> view;
-        QDockWidget* dock;
-        int number;
-    };
-
-    /// Beside the view opened last, or on top of the panel \p over.
-    boost::shared_ptr<AnalyzerViewInterface> addView(
-        const std::string& kind, Qt::Orientation beside, QDockWidget* over = nullptr);
-
-    /// The largest panel but that of the active view; null without one.
-    [[nodiscard]] QDockWidget* largestOtherDock() const;
     void addFirstViews();
     void buildMenus();
+    QAction* buildFileMenu();
     QList<QAction*> buildViewMenu();
     void buildExportMenu(QMenu& file);
     void buildPanels();
+    void connectTagsPanel();
+    boost::shared_ptr<ImageMatrixViewInterface> matrixForTags();
     void closeProgress();
+    void startLoading(const QString& path, const QString& title, bool withFingerprint);
     void takeStudy(const QString& path);
-    void closeViews();
-    void closeView(QDockWidget* dock);
-    void nameDock(const AnalyzerViewInterface* view);
-    void focusMoved(const QWidget* widget);
+    void takeSession(const QString& path);
+    void replaceStudy(ReadStudy& study);
+    void activeViewChanged();
     void showContextMenu(const QPoint& place);
     void updateActions();
     void updateStatus();
     void updateExportActions();
     void updateRecent();
+    void updateTitle();
     void rememberRecent(const QString& path);
     void chooseStudyFile();
     void chooseStudyFolder();
+    void chooseSession();
+    bool saveSession();
+    bool chooseAndSaveSession();
+    [[nodiscard]] bool mayLeaveSession();
     void chooseExportFile(ExportedCases cases);
+    void choosePicture();
+
+    /// Empty if the user does not want to.
+    QString chooseFileToWrite(const QString& title, const QString& kinds, const QString& suffix);
+
+    /// Exceptions must not pass through Qt's menus.
+    template <class Function>
+    void attempt(Function function);
     void showReport();
     void showAbout();
-    [[nodiscard]] std::vector<OpenView>::const_iterator find(
-        const AnalyzerViewInterface* view) const;
+
+    /// A session that is being opened, until its study has been read.
+    struct PendingSession
+    {
+        Session session;
+        QString path;
+        bool isOwn; ///< the user's own file, to be saved to again
+    };
+
+    void openSession(const QString& path, bool isOwn);
+    void autosave();
 
     boost::shared_ptr<SelectionModelInterface> m_selection;
     std::unique_ptr<DataPipelineManager> m_pipeline;
@@ -165,20 +219,23 @@ private:
     boost::shared_ptr<ImageCache> m_images;
     boost::shared_ptr<AsyncImageCache> m_scaledImages;
     boost::shared_ptr<HoveredCase> m_hovered;
+    std::unique_ptr<TagEditor> m_tags;
+    std::unique_ptr<SessionKeeper> m_sessions;
+    std::optional<PendingSession> m_pendingSession;
+    QString m_sessionPath; ///< of the session that is open; empty without one
+    std::unique_ptr<Autosave> m_autosave; ///< empty until startAutosave()
+    QTimer m_autosaveTimer;
     StudyLoader* m_loader;
     StudyReport m_report;
-    std::vector<OpenView> m_views;
-    boost::shared_ptr<AnalyzerViewInterface> m_active;
     std::vector<std::string> m_firstViews;
-    int m_viewsMade = 0;
     std::size_t m_selectedCount = 0;
     bool m_tellsErrorsInDialogs = true;
 
-    QMainWindow* m_viewArea =
+    ViewArea* m_viewArea =
         nullptr; ///< within the window, so that views and panels do not share their widths
-    QLabel* m_welcome = nullptr;
     SettingsPanel* m_settings = nullptr;
     FiltersPanel* m_filtersPanel = nullptr;
+    TagsPanel* m_tagsPanel = nullptr;
     QLabel* m_status = nullptr;
     QMenu* m_recentMenu = nullptr;
     QMenu* m_viewMenu = nullptr;
@@ -190,9 +247,12 @@ private:
     QAction* m_zoomOut = nullptr;
     QAction* m_resetZoom = nullptr;
     QAction* m_showReport = nullptr;
+    QAction* m_reopenLast = nullptr;
     QAction* m_exportShown = nullptr;
     QAction* m_exportSelected = nullptr;
     QAction* m_exportTable = nullptr;
+    QAction* m_exportPicture = nullptr;
+    QAction* m_exportReport = nullptr;
     QList<QAction*> m_selectionActions;
     QList<QAction*> m_studyActions; ///< those that need an open study
     QPointer<QProgressDialog> m_progress;

@@ -17,12 +17,14 @@ StudyLoader::~StudyLoader()
     stop();
 }
 
-void StudyLoader::start(const QString& path)
+void StudyLoader::start(const QString& path, bool withFingerprint)
 {
     stop();
     m_progress = std::make_shared<ReadProgress>();
-    m_thread = std::thread(
-        [this, name = path.toStdString(), progress = m_progress] { read(name, progress); });
+    m_thread =
+        std::thread([this, name = path.toStdString(), withFingerprint, progress = m_progress] {
+            read(name, withFingerprint, progress);
+        });
 }
 
 void StudyLoader::cancel()
@@ -46,14 +48,22 @@ void StudyLoader::stop()
     }
 }
 
-void StudyLoader::read(const std::string& path, std::shared_ptr<ReadProgress> progress)
+void StudyLoader::read(
+    const std::string& path, bool withFingerprint, std::shared_ptr<ReadProgress> progress)
 {
+    const QDateTime began = QDateTime::currentDateTime();
+    std::optional<StudyFingerprint> fingerprint;
     // Shared, since what is posted to another thread must be copyable.
     const auto study = std::make_shared<ReadStudy>();
     QString message;
     bool wasCancelled = false;
     try {
         *study = readStudy(path, *progress);
+        if (withFingerprint) {
+            fingerprint = fingerprintOf(
+                study->project->filePath(), began, [&progress] { return progress->isCancelled(); });
+            progress->throwIfCancelled();
+        }
     } catch (const ReadCancelled&) {
         wasCancelled = true;
     } catch (const std::bad_alloc&) {
@@ -63,7 +73,7 @@ void StudyLoader::read(const std::string& path, std::shared_ptr<ReadProgress> pr
         message = QString::fromUtf8(error.what());
     }
 
-    const auto deliver = [this, path, progress, study, message, wasCancelled] {
+    const auto deliver = [this, path, progress, study, message, wasCancelled, fingerprint, began] {
         if (m_progress != progress) {
             return; // another reading was started meanwhile
         }
@@ -75,6 +85,8 @@ void StudyLoader::read(const std::string& path, std::shared_ptr<ReadProgress> pr
             Q_EMIT failed(name, message);
         } else {
             m_study = std::move(*study);
+            m_fingerprint = fingerprint;
+            m_readingBegan = began;
             Q_EMIT finished(name);
         }
     };

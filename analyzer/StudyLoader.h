@@ -1,11 +1,14 @@
 #pragma once
 
+#include <analyzer/session/StudyFingerprint.h>
 #include <analyzer/study/StudyReader.h>
 
+#include <QDateTime>
 #include <QObject>
 #include <QString>
 
 #include <memory>
+#include <optional>
 #include <string>
 #include <thread>
 
@@ -25,7 +28,8 @@ public:
     ~StudyLoader() override;
 
     /// Starts reading \p path, a file or a folder; a reading that still runs is cancelled without a signal.
-    void start(const QString& path);
+    /// \p withFingerprint finds out the fingerprint of the table as well.
+    void start(const QString& path, bool withFingerprint = false);
 
     /// Ends in cancelled(), unless the study was ready already.
     void cancel();
@@ -38,6 +42,15 @@ public:
     /// The study that finished() announced; whoever asks takes it.
     [[nodiscard]] ReadStudy takeStudy() { return std::move(m_study); }
 
+    /// Of the study that finished() announced, if it was asked for.
+    [[nodiscard]] const std::optional<StudyFingerprint>& fingerprint() const
+    {
+        return m_fingerprint;
+    }
+
+    /// When the reading of the study that finished() announced began.
+    [[nodiscard]] const QDateTime& readingBegan() const { return m_readingBegan; }
+
 Q_SIGNALS:
     void finished(const QString& path);
 
@@ -47,11 +60,14 @@ Q_SIGNALS:
 
 private:
     void stop();
-    void read(const std::string& path, std::shared_ptr<ReadProgress> progress);
+    void read(
+        const std::string& path, bool withFingerprint, std::shared_ptr<ReadProgress> progress);
 
     std::thread m_thread;
     std::shared_ptr<ReadProgress> m_progress; ///< of the reading that runs
     ReadStudy m_study;
+    std::optional<StudyFingerprint> m_fingerprint;
+    QDateTime m_readingBegan;
 };
 
 } // namespace analyzer

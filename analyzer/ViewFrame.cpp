@@ -1,4 +1,5 @@
 #include <analyzer/ViewFrame.h>
+#include <analyzer/export/makeReport.h>
 #include <analyzer/views/AnalyzerViewInterface.h>
 #include <analyzer/views/countText.h>
 
@@ -21,24 +22,6 @@ namespace analyzer {
 namespace {
 
 constexpr int paddingPx = 6;
-
-QString lineText(const std::vector<LeftOutCases>& leftOut)
-{
-    if (leftOut.empty()) {
-        return {};
-    }
-    const std::size_t all = std::accumulate(
-        leftOut.begin(), leftOut.end(), std::size_t(0), [](std::size_t sum, const auto& cases) {
-            return sum + cases.count;
-        });
-    QStringList reasons;
-    for (const LeftOutCases& cases : leftOut) {
-        reasons.append(ViewFrame::tr("%1 %2").arg(
-            countText(cases.count), QString::fromStdString(cases.reason).simplified()));
-    }
-    return ViewFrame::tr("%1 not drawn: %2")
-        .arg(countText(all), reasons.join(QStringLiteral(", ")));
-}
 
 /// A flat button with one line of plain text at the left, cut short where it does not fit.
 class TextLine : public QPushButton
@@ -162,7 +145,7 @@ void ViewFrame::updateLine()
         return;
     }
     m_later.stop();
-    const QString text = lineText(view->leftOut());
+    const QString text = QString::fromStdString(leftOutInWords(*view));
     if (!text.isEmpty()) {
         static_cast<TextLine*>(m_line)->setLine(text);
         QSizePolicy policy = m_line->sizePolicy();

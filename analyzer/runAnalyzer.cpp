@@ -1,6 +1,8 @@
 #include <analyzer/AnalyzerApplication.h>
+#include <analyzer/Autosave.h>
 #include <analyzer/CommandLine.h>
 #include <analyzer/MainWindow.h>
+#include <analyzer/export/exportPicture.h>
 #include <analyzer/filters/FilterList.h>
 #include <analyzer/runAnalyzer.h>
 #include <analyzer/study/ReadProgress.h>
@@ -15,6 +17,7 @@
 #include <QElapsedTimer>
 #include <QEventLoop>
 #include <QFile>
+#include <QHashFunctions>
 #include <QPixmap>
 #include <QSurfaceFormat>
 #include <QTimer>
@@ -54,19 +57,40 @@ void printInfo(const std::string& path)
     std::cout << studyInfo(*study.project, study.report) << std::flush;
 }
 
-/// Waits until the study is there; throws what the window would have told.
-void openAndWait(MainWindow& window, const std::string& path)
+/// Waits until study or session are there; throws what the window would have told.
+void openAndWait(MainWindow& window, const CommandLine& commandLine)
 {
     QEventLoop loop;
+    bool isOver = false;
     QString problem;
-    QObject::connect(&window, &MainWindow::studyOpened, &loop, &QEventLoop::quit);
+    const auto end = [&] {
+        isOver = true;
+        loop.quit();
+    };
+    QObject::connect(&window, &MainWindow::studyOpened, &loop, end);
+    QObject::connect(
+        &window,
+        &MainWindow::sessionOpened,
+        &loop,
+        [&](const QString&, const QStringList& remarks) {
+            for (const QString& remark : remarks) {
+                std::cerr << "dataviews-analyzer: " << remark.toStdString() << std::endl;
+            }
+            end();
+        });
     QObject::connect(
         &window, &MainWindow::openingFailed, &loop, [&](const QString&, const QString& message) {
             problem = message;
-            loop.quit();
+            end();
         });
-    window.openStudy(QString::fromStdString(path));
-    loop.exec();
+    if (!commandLine.session.empty()) {
+        window.openSession(QString::fromStdString(commandLine.session));
+    } else {
+        window.openStudy(QString::fromStdString(commandLine.study));
+    }
+    if (!isOver) {
+        loop.exec();
+    }
     if (!problem.isEmpty()) {
         throw ExceptionBase(problem.toStdString());
     }
@@ -125,6 +149,29 @@ void takeScreenshot(MainWindow& window, const std::string& fileName)
     }
 }
 
+/// What the call asks for once the study is there; leaves nothing to undo.
+void applyCommands(MainWindow& window, const CommandLine& commandLine)
+{
+    const UndoStack::SuspendUndoRecording noRecording;
+    if (!commandLine.session.empty()) {
+        for (const std::string& kind : commandLine.views) {
+            window.addView(kind);
+        }
+        if (commandLine.size) {
+            window.resize(*commandLine.size);
+        }
+    }
+    for (const CommandLine::Filter& filter : commandLine.filters) {
+        window.filters().addRangeFilter(filter.variable, filter.range);
+    }
+    for (const CommandLine::Assignment& assignment : commandLine.assignments) {
+        window.assign(assignment);
+    }
+    if (commandLine.hasSelection) {
+        select(window, commandLine);
+    }
+}
+
 int runWindow(const CommandLine& commandLine)
 {
     MainWindow window;
@@ -138,37 +185,33 @@ int runWindow(const CommandLine& commandLine)
     if (commandLine.size) {
         window.resize(*commandLine.size);
     }
-    if (!commandLine.views.empty()) {
+    if (!commandLine.views.empty() && commandLine.session.empty()) {
         window.setFirstViews(commandLine.views);
     }
-    const bool isScript = !commandLine.screenshot.empty() || !commandLine.exportCsv.empty();
-    if (!isScript || !commandLine.screenshot.empty()) {
+    const bool isShown = !commandLine.screenshot.empty() || !commandLine.saveSession.empty()
+        || !commandLine.pictures.empty() || !commandLine.report.empty();
+    const bool isScript = isShown || !commandLine.exportCsv.empty();
+    if (!isScript) {
+        window.startAutosave(Autosave::defaultFolder());
+    }
+    if (!isScript || isShown) {
         window.show();
     }
 
     // A wrong call ends the program; a study that cannot be opened does so only where nobody sits at the window.
+    const bool hasStudy = !commandLine.study.empty() || !commandLine.session.empty();
     const bool mustSucceed = isScript || !commandLine.assignments.empty()
-        || !commandLine.filters.empty() || commandLine.hasSelection;
-    if (!commandLine.study.empty() && !mustSucceed) {
+        || !commandLine.filters.empty() || commandLine.hasSelection || !commandLine.session.empty();
+    const bool isRecovering = !isScript && !mustSucceed && window.offerRecovery();
+    if (hasStudy && !mustSucceed && !isRecovering) {
         window.openStudy(QString::fromStdString(commandLine.study));
     }
     if (mustSucceed) {
         window.setTellsErrorsInDialogs(false);
-        if (!commandLine.study.empty()) {
-            openAndWait(window, commandLine.study);
+        if (hasStudy) {
+            openAndWait(window, commandLine);
         }
-        {
-            const UndoStack::SuspendUndoRecording noRecording;
-            for (const CommandLine::Filter& filter : commandLine.filters) {
-                window.filters().addRangeFilter(filter.variable, filter.range);
-            }
-            for (const CommandLine::Assignment& assignment : commandLine.assignments) {
-                window.assign(assignment);
-            }
-            if (commandLine.hasSelection) {
-                select(window, commandLine);
-            }
-        }
+        applyCommands(window, commandLine);
         window.setTellsErrorsInDialogs(true);
     }
     if (!commandLine.exportCsv.empty()) {
@@ -176,6 +219,21 @@ int runWindow(const CommandLine& commandLine)
     }
     if (!commandLine.screenshot.empty()) {
         takeScreenshot(window, commandLine.screenshot);
+    }
+    if (isShown && commandLine.screenshot.empty()) {
+        settle(window);
+    }
+    for (const CommandLine::ViewPicture& picture : commandLine.pictures) {
+        PictureOptions options;
+        options.size = commandLine.pictureSize.value_or(QSize());
+        options.dpi = commandLine.pictureDpi;
+        exportPicture(*window.view(picture.view), picture.file, options);
+    }
+    if (!commandLine.report.empty()) {
+        window.exportReport(QString::fromStdString(commandLine.report));
+    }
+    if (!commandLine.saveSession.empty()) {
+        window.saveSession(QString::fromStdString(commandLine.saveSession));
     }
     if (isScript) {
         return done;
@@ -187,6 +245,8 @@ int runWindow(const CommandLine& commandLine)
 
 int runAnalyzer(int argc, char** argv)
 {
+    // Attributes of sessions in the same order at every save: people keep sessions under version control.
+    qSetGlobalQHashSeed(0);
     QCoreApplication::setOrganizationName(QStringLiteral("DataViews"));
     QCoreApplication::setApplicationName(QStringLiteral("DataViews"));
     QCoreApplication::setApplicationVersion(QStringLiteral(DATAVIEWS_VERSION));

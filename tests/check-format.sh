@@ -3,5 +3,5 @@
 # Usage: check-format.sh SOURCE_DIRECTORY CLANG_FORMAT
 set -euo pipefail
 cd "$1"
-find analyzer benchmarks dataviews examples samples tests \( -name '*.h' -o -name '*.cpp' \) -print0 |
+find analyzer benchmarks dataviews examples fuzz samples tests \( -name '*.h' -o -name '*.cpp' \) -print0 |
     xargs -0 "$2" --dry-run -Werror

@@ -1,5 +1,6 @@
 #include <analyzer/panels/CheckListDelegate.h>
 #include <analyzer/panels/CheckListPopup.h>
+#include <analyzer/panels/plainToolTip.h>
 
 #include <QHBoxLayout>
 #include <QKeyEvent>
@@ -7,8 +8,6 @@
 #include <QLineEdit>
 #include <QListWidget>
 #include <QPushButton>
-#include <QScreen>
-#include <QScrollBar>
 #include <QSet>
 #include <QSignalBlocker>
 #include <QVBoxLayout>
@@ -18,14 +17,13 @@
 namespace analyzer {
 
 CheckListPopup::CheckListPopup(const QString& name, const QString& label, QWidget* parent)
-    : QFrame(parent, Qt::Popup)
+    : ChooserFrame(parent)
     , m_filter(new QLineEdit(this))
     , m_list(new QListWidget(this))
     , m_nothing(new QLabel(tr("There is nothing to choose from."), this))
     , m_all(new QPushButton(tr("&All"), this))
     , m_none(new QPushButton(tr("&None"), this))
 {
-    setFrameShape(QFrame::StyledPanel);
     setObjectName(name + QStringLiteral("-popup"));
     m_filter->setObjectName(name + QStringLiteral("-filter"));
     m_filter->setPlaceholderText(tr("Filter"));
@@ -35,6 +33,7 @@ CheckListPopup::CheckListPopup(const QString& name, const QString& label, QWidge
     m_list->setObjectName(name + QStringLiteral("-list"));
     m_list->setAccessibleName(label);
     m_list->setUniformItemSizes(true);
+    m_list->setTextElideMode(Qt::ElideMiddle); // names of one study often begin alike
     m_list->setItemDelegate(new CheckListDelegate(m_list));
     m_list->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     m_list->installEventFilter(this);
@@ -71,6 +70,9 @@ void CheckListPopup::open(
         const QSignalBlocker blocker(m_list);
         m_list->clear();
         m_list->addItems(names);
+        for (int row = 0; row < m_list->count(); ++row) {
+            m_list->item(row)->setToolTip(plainToolTip(names[row]));
+        }
     }
     setChecked(checked);
     m_filter->clear();
@@ -109,17 +111,7 @@ bool CheckListPopup::eventFilter(QObject* watched, QEvent* event)
             return true;
         }
     }
-    return QFrame::eventFilter(watched, event);
-}
-
-void CheckListPopup::mousePressEvent(QMouseEvent* event)
-{
-    // A press on the field closes the window and does not open it again.
-    const QWidget* field = parentWidget();
-    setAttribute(
-        Qt::WA_NoMouseReplay,
-        field != nullptr && field->rect().contains(field->mapFromGlobal(event->globalPos())));
-    QFrame::mousePressEvent(event);
+    return ChooserFrame::eventFilter(watched, event);
 }
 
 void CheckListPopup::filter(const QString& text)
@@ -150,26 +142,12 @@ void CheckListPopup::toggleAllShown(bool checked)
 
 void CheckListPopup::place(const QWidget& field)
 {
-    constexpr int mostRows = 14;
-    constexpr int mostWidth = 480;
-    const int rows = std::min(std::max(m_list->count(), 1), mostRows);
-    const int listWidth =
-        m_list->sizeHintForColumn(0) + m_list->verticalScrollBar()->sizeHint().width();
-    constexpr int aroundList = 16;
+    const int rows = rowsFor(m_list->count());
     m_list->setFixedHeight(
         m_list->count() == 0 ? 0 : rows * m_list->sizeHintForRow(0) + 2 * m_list->frameWidth());
     layout()->activate();
-    const QSize size(
-        std::max(
-            {field.width(), std::min(listWidth + aroundList, mostWidth), sizeHint().width() / 2}),
-        sizeHint().height());
-    const QRect screen = field.screen()->availableGeometry();
-    QPoint corner = field.mapToGlobal(QPoint(0, field.height()));
-    if (corner.y() + size.height() > screen.bottom()) {
-        corner.setY(std::max(screen.top(), field.mapToGlobal(QPoint(0, 0)).y() - size.height()));
-    }
-    corner.setX(std::max(screen.left(), std::min(corner.x(), screen.right() - size.width())));
-    setGeometry(QRect(corner, size));
+    const int width = widthFor(field, m_list->sizeHintForColumn(0));
+    placeAt(field, {std::max(width, sizeHint().width() / 2), sizeHint().height()});
 }
 
 QListWidgetItem* CheckListPopup::firstShown() const

@@ -1,6 +1,7 @@
 #pragma once
 
-#include <QFrame>
+#include <analyzer/panels/ChooserFrame.h>
+
 #include <QStringList>
 
 class QLabel;
@@ -14,7 +15,7 @@ namespace analyzer {
 /// A window that lists names to tick, with a field that narrows the list down to those that hold a text.
 ///
 /// Its fields have its own object name with "-filter", "-list", "-all" and "-none".
-class CheckListPopup : public QFrame
+class CheckListPopup : public ChooserFrame
 {
     Q_OBJECT
 
@@ -34,7 +35,6 @@ Q_SIGNALS:
 
 protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
-    void mousePressEvent(QMouseEvent* event) override;
 
 private:
     void filter(const QString& text);

@@ -1,10 +1,13 @@
 #include <analyzer/filters/FilterList.h>
+#include <analyzer/panels/ChooserPopup.h>
 #include <analyzer/panels/FilterRow.h>
 #include <analyzer/panels/FiltersPanel.h>
 #include <analyzer/panels/VerticalScrollArea.h>
 #include <analyzer/panels/announce.h>
 #include <analyzer/panels/withoutMnemonic.h>
 #include <analyzer/views/countText.h>
+
+#include <dataviews/common/models/StringListModel.h>
 
 #include <dataviews/platform/data/Project.h>
 #include <dataviews/platform/pipeline/DataPipelineManager.h>
@@ -17,12 +20,16 @@
 #include <QTimer>
 #include <QVBoxLayout>
 
+#include <boost/make_shared.hpp>
+
 #include <algorithm>
 #include <cmath>
 #include <exception>
 #include <limits>
+#include <optional>
 #include <set>
 #include <string>
+#include <utility>
 
 namespace analyzer {
 
@@ -49,6 +56,7 @@ FiltersPanel::FiltersPanel(FilterList& filters, Project& project, QWidget* paren
     , m_project(project)
     , m_shown(new QLabel(this))
     , m_add(new QPushButton(tr("Add filter…"), this))
+    , m_chooser(new ChooserPopup(m_add))
     , m_problem(new QLabel(this))
     , m_scroll(new VerticalScrollArea(this))
 {
@@ -57,9 +65,17 @@ FiltersPanel::FiltersPanel(FilterList& filters, Project& project, QWidget* paren
     m_add->setObjectName(QStringLiteral("AddFilter"));
     auto* menu = new QMenu(m_add);
     menu->setObjectName(QStringLiteral("AddFilterMenu"));
-    m_ranges = menu->addMenu(tr("&Range of"));
-    m_values = menu->addMenu(tr("&Values of"));
-    m_tags = menu->addMenu(tr("&Tag"));
+    addKind(m_ranges, *menu, tr("&Range of"), [this](const std::string& name) {
+        const boost::shared_ptr<Variable> variable = m_project.variable(name).lock();
+        return m_filters.addRangeFilter(
+            name, variable ? wholeRange(*variable) : ListedFilter::Range{});
+    });
+    addKind(m_values, *menu, tr("&Values of"), [this](const std::string& name) {
+        return m_filters.addValuesFilter(name);
+    });
+    addKind(m_tags, *menu, tr("&Tag"), [this](const std::string& name) {
+        return m_filters.addTagFilter(name);
+    });
     m_add->setMenu(menu);
     m_problem->setObjectName(QStringLiteral("FiltersProblem"));
     m_problem->setWordWrap(true);
@@ -89,15 +105,28 @@ FiltersPanel::FiltersPanel(FilterList& filters, Project& project, QWidget* paren
 
 FiltersPanel::~FiltersPanel() = default;
 
+void FiltersPanel::addKind(Kind& kind, QMenu& menu, const QString& text, AddByName add)
+{
+    kind.menu = menu.addMenu(text);
+    kind.search = menu.addAction(text + QChar(0x2026)); // it asks for more
+    kind.add = std::move(add);
+    connect(kind.search, &QAction::triggered, this, [this, &kind] { searchFor(kind); });
+}
+
 void FiltersPanel::fillMenu()
 {
-    for (QMenu* menu : {m_ranges, m_values, m_tags}) {
-        menu->clear();
+    for (Kind* kind : {&m_ranges, &m_values, &m_tags}) {
+        kind->menu->clear();
+        kind->names.clear();
     }
     fillVariables();
     fillTags();
-    for (QMenu* menu : {m_ranges, m_values, m_tags}) {
-        menu->menuAction()->setEnabled(!menu->isEmpty());
+    for (const Kind* kind : {&m_ranges, &m_values, &m_tags}) {
+        const bool isLong = kind->menu->actions().size() >= ChooserPopup::minSearched;
+        kind->menu->menuAction()->setEnabled(!kind->menu->isEmpty());
+        kind->menu->menuAction()->setVisible(!isLong);
+        kind->search->setEnabled(!kind->names.empty());
+        kind->search->setVisible(isLong);
     }
 }
 
@@ -111,23 +140,12 @@ void FiltersPanel::fillVariables()
     }
     for (const WeakPtr<Variable>& handle : m_project.variables()) {
         const boost::shared_ptr<Variable> variable = handle.lock();
-        const std::string name = variable->name();
         if (variable->isNumeric()) {
-            QAction* action = m_ranges->addAction(menuText(name));
-            action->setEnabled(ranged.count(name) == 0);
-            connect(action, &QAction::triggered, this, [this, name] {
-                addFilter([this, &name] {
-                    const boost::shared_ptr<Variable> present = m_project.variable(name).lock();
-                    return m_filters.addRangeFilter(
-                        name, present ? wholeRange(*present) : ListedFilter::Range{});
-                });
-            });
+            offer(m_ranges, variable->name(), ranged.count(variable->name()) == 0);
         }
         if (!variable->isNumeric()
             || variable->distinctValueCount() <= Variable::maxDistinctValues) {
-            connect(m_values->addAction(menuText(name)), &QAction::triggered, this, [this, name] {
-                addFilter([this, &name] { return m_filters.addValuesFilter(name); });
-            });
+            offer(m_values, variable->name(), true);
         }
     }
 }
@@ -137,12 +155,39 @@ void FiltersPanel::fillTags()
     for (const WeakPtr<TagGroup>& handle : m_project.tagGroups()) {
         for (const std::string& tag : handle.lock()->tags()) {
             if (m_project.taggedCases(tag).count() > 0) {
-                connect(m_tags->addAction(menuText(tag)), &QAction::triggered, this, [this, tag] {
-                    addFilter([this, &tag] { return m_filters.addTagFilter(tag); });
-                });
+                offer(m_tags, tag, true);
             }
         }
     }
+}
+
+void FiltersPanel::offer(Kind& kind, const std::string& name, bool isEnabled)
+{
+    QAction* action = kind.menu->addAction(menuText(name));
+    action->setEnabled(isEnabled);
+    connect(action, &QAction::triggered, this, [this, &kind, name] {
+        addFilter([&] { return kind.add(name); });
+    });
+    if (isEnabled) {
+        kind.names.push_back(name);
+    }
+}
+
+void FiltersPanel::searchFor(const Kind& kind)
+{
+    const auto choices = boost::make_shared<StringListModel>(
+        std::set<std::string>(kind.names.begin(), kind.names.end()));
+    disconnect(m_chooser, &ChooserPopup::chosen, this, nullptr);
+    connect(
+        m_chooser, &ChooserPopup::chosen, this, [this, &kind, choices](ChooserModel::Index index) {
+            addFilter([&] { return kind.add(choices->data(index)); });
+        });
+    m_chooser->open(
+        *m_add,
+        QStringLiteral("AddFilter"),
+        kind.search->text().remove(QLatin1Char('&')),
+        choices,
+        std::nullopt);
 }
 
 void FiltersPanel::addFilter(const boost::function<boost::shared_ptr<ListedFilter>()>& add)

@@ -7,9 +7,11 @@
 #include <boost/function.hpp>
 #include <boost/shared_ptr.hpp>
 
+#include <string>
 #include <vector>
 
 class Project;
+class QAction;
 class QLabel;
 class QMenu;
 class QPushButton;
@@ -17,6 +19,7 @@ class QVBoxLayout;
 
 namespace analyzer {
 
+class ChooserPopup;
 class FilterList;
 class FilterRow;
 class ListedFilter;
@@ -24,6 +27,7 @@ class VerticalScrollArea;
 
 /// Edits the filters of a window: how many cases are shown, a menu to add a filter, and a row for each filter.
 ///
+/// Where a submenu would be long, a window to search in takes its place.
 /// The rows are "filter1", "filter2" and so on in the order of the list. What is refused is said under the menu.
 class FiltersPanel : public QWidget
 {
@@ -37,9 +41,23 @@ public:
     ~FiltersPanel() override;
 
 private:
+    using AddByName = boost::function<boost::shared_ptr<ListedFilter>(const std::string&)>;
+
+    /// A kind of filter that the menu offers, with names of what can have one.
+    struct Kind
+    {
+        QMenu* menu = nullptr;
+        QAction* search = nullptr; ///< in place of the menu
+        std::vector<std::string> names; ///< those that can be taken now
+        AddByName add;
+    };
+
+    void addKind(Kind& kind, QMenu& menu, const QString& text, AddByName add);
     void fillMenu();
     void fillVariables();
     void fillTags();
+    void offer(Kind& kind, const std::string& name, bool isEnabled);
+    void searchFor(const Kind& kind);
     void addFilter(const boost::function<boost::shared_ptr<ListedFilter>()>& add);
     void removeFilter(const boost::shared_ptr<ListedFilter>& filter);
     void showFilters();
@@ -49,9 +67,10 @@ private:
     Project& m_project;
     QLabel* m_shown;
     QPushButton* m_add;
-    QMenu* m_ranges;
-    QMenu* m_values;
-    QMenu* m_tags;
+    ChooserPopup* m_chooser;
+    Kind m_ranges;
+    Kind m_values;
+    Kind m_tags;
     QLabel* m_problem;
     VerticalScrollArea* m_scroll;
     QVBoxLayout* m_layout;

@@ -24,6 +24,7 @@ ListField::ListField(
           QString::fromStdString(m_setting->label()),
           this))
 {
+    setElideMode(Qt::ElideRight); // it reads a list
     setObjectName(QString::fromStdString(m_setting->name()));
     setAccessibleName(QString::fromStdString(m_setting->label()));
     showSetting();

@@ -95,7 +95,8 @@ RowBitmap parseBitmap(std::string_view text, std::size_t caseCount)
     const QByteArray encoded = QByteArray::fromRawData(text.data(), static_cast<int>(text.size()));
     const auto decoded =
         QByteArray::fromBase64Encoding(encoded, QByteArray::AbortOnBase64DecodingErrors);
-    if (!decoded) {
+    // What has been cut off may be Base64 to Qt.
+    if (!decoded || decoded.decoded.toBase64() != encoded) {
         refuse(text);
     }
     RowBitmap rows(caseCount);

@@ -4,13 +4,47 @@
 #include <QXmlStreamReader>
 
 #include <algorithm>
+#include <string_view>
+#include <vector>
 
 namespace analyzer {
 
 namespace {
 
 constexpr std::ptrdiff_t longestTag = 64 * 1024;
-constexpr int deepestNesting = 64;
+constexpr std::size_t deepestNesting = 64;
+constexpr int mostAttributes = 256;
+
+/// Behind the tag that begins at \p open; parsers take time with the square of its attributes.
+const char* endOfTag(const char* open, const char* end)
+{
+    char quote = '\0';
+    int values = 0;
+    for (const char* place = open; place != end; ++place) {
+        if (place - open > longestTag) {
+            throw SessionError("The session has a tag that is too long.");
+        }
+        if (quote != '\0') {
+            quote = *place == quote ? '\0' : quote;
+        } else if (*place == '"' || *place == '\'') {
+            quote = *place;
+            if (++values > mostAttributes) {
+                throw SessionError("The session has a tag with too many attributes.");
+            }
+        } else if (*place == '>') {
+            return place + 1;
+        }
+    }
+    return end;
+}
+
+/// Behind the comment that begins at \p open.
+const char* endOfComment(const char* open, const char* end)
+{
+    constexpr std::string_view mark = "-->";
+    const char* const found = std::search(open, end, mark.begin(), mark.end());
+    return found == end ? end : found + mark.size();
+}
 
 /// Looks at bytes only, so that it holds for what is no XML as well.
 void checkBytes(const QByteArray& bytes)
@@ -26,27 +60,62 @@ void checkBytes(const QByteArray& bytes)
     }
     const char* const end = bytes.constData() + bytes.size();
     for (const char* open = std::find(bytes.constData(), end, '<'); open != end;) {
-        const char* const close = std::find(open, end, '>');
-        if (close - open > longestTag) {
-            throw SessionError("The session has a tag that is too long.");
+        constexpr std::string_view comment = "<!--";
+        constexpr std::string_view rawText = "<![CDATA[";
+        const std::string_view rest(open, static_cast<std::size_t>(end - open));
+        if (rest.substr(0, rawText.size()) == rawText) {
+            throw SessionError("The session has a CDATA section, which no session has.");
         }
+        const char* const close = rest.substr(0, comment.size()) == comment
+            ? endOfComment(open + comment.size(), end)
+            : endOfTag(open, end);
         open = std::find(close, end, '<');
     }
 }
 
-void checkNesting(const QByteArray& bytes)
+/// What an element holds.
+struct Content
+{
+    bool hasText = false;
+    bool hasElements = false;
+};
+
+/// Looks at what the parser makes of the bytes.
+void checkContent(const QByteArray& bytes)
 {
     QXmlStreamReader reader(bytes);
-    int depth = 0;
+    std::vector<Content> open(1); // the first one is the document
     while (!reader.atEnd()) {
         switch (reader.readNext()) {
-        case QXmlStreamReader::StartElement:
-            if (++depth > deepestNesting) {
-                throw SessionError("The elements of the session are nested too deep.");
+        case QXmlStreamReader::StartDocument:
+            // In another one, the bytes may mean something else than they look like.
+            if (!reader.documentEncoding().isEmpty()
+                && reader.documentEncoding().compare(QLatin1String("UTF-8"), Qt::CaseInsensitive)
+                    != 0) {
+                throw SessionError("The session is not in UTF-8.");
             }
             break;
+        case QXmlStreamReader::DTD:
+            throw SessionError("The session has a document type, which no session has.");
+        case QXmlStreamReader::ProcessingInstruction:
+            throw SessionError("The session has a processing instruction, which no session has.");
+        case QXmlStreamReader::StartElement:
+            if (open.size() > deepestNesting) {
+                throw SessionError("The elements of the session are nested too deep.");
+            }
+            open.back().hasElements = true;
+            open.emplace_back();
+            break;
+        case QXmlStreamReader::Characters:
+            open.back().hasText = open.back().hasText || !reader.isWhitespace();
+            break;
         case QXmlStreamReader::EndElement:
-            --depth;
+            if (open.back().hasText && open.back().hasElements) {
+                throw SessionError(
+                    "The session is damaged: " + reader.name().toString().toStdString()
+                    + " holds a text where none belongs.");
+            }
+            open.pop_back();
             break;
         default:
             break;
@@ -78,7 +147,7 @@ QDomDocument readSessionXml(const QByteArray& bytes)
 void checkSessionXml(const QByteArray& bytes)
 {
     checkBytes(bytes);
-    checkNesting(bytes);
+    checkContent(bytes);
 }
 
 } // namespace analyzer

@@ -11,7 +11,8 @@ constexpr int largestSession = 16 * 1024 * 1024;
 /// Reads \p bytes as XML, which may come from anybody: what would take the parser more time, memory or stack than a
 /// session needs is refused before it is parsed.
 /// \throws SessionError with a sentence if the bytes are too many, hold a document type or a NUL, a tag is longer than 64
-/// KiB, elements are nested more than 64 deep, or it is no well-formed XML.
+/// KiB or has more than 256 attributes, elements are nested more than 64 deep, it is no well-formed XML in UTF-8, or it
+/// holds what no session has: processing instructions, CDATA sections, and texts between elements.
 [[nodiscard]] QDomDocument readSessionXml(const QByteArray& bytes);
 
 /// Checks that readSessionXml() takes \p bytes.

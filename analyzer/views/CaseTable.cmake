@@ -7,5 +7,6 @@ list(
     CaseTableModel.cpp
     CaseTableOrder.cpp
     CaseTableSelection.cpp
+    CaseTableState.cpp
     CaseTableWidget.cpp
 )

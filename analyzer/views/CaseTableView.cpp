@@ -1,7 +1,9 @@
 #include <analyzer/views/CaseTableModel.h>
 #include <analyzer/views/CaseTableSelection.h>
+#include <analyzer/views/CaseTableState.h>
 #include <analyzer/views/CaseTableView.h>
 #include <analyzer/views/CaseTableWidget.h>
+#include <analyzer/views/ScrollState.h>
 #include <analyzer/views/filteredOutCases.h>
 
 #include <dataviews/common/views/DataViewVisitorInterface.h>
@@ -14,6 +16,8 @@
 
 #include <vtkTable.h>
 #include <vtkTableAlgorithm.h>
+
+#include <boost/make_shared.hpp>
 
 #include <utility>
 
@@ -44,6 +48,8 @@ CaseTableView::CaseTableView(
 {
     takeTable();
     m_widget->setObjectName(QStringLiteral("CaseTable"));
+    serializer().addSubElement(boost::make_shared<CaseTableState>("Columns", *m_model, *m_widget));
+    serializer().addSubElement(boost::make_shared<ScrollState>("Scroll", *m_widget));
     m_connections.add(m_pipeline.signalPipelineChanged.connect([this] { takeTable(); }));
     m_connections.add(m_widget->signalMenuRequested.connect(
         [this](std::optional<unsigned long long> caseID, const QPoint& place) {
@@ -122,6 +128,11 @@ std::vector<LeftOutCases> CaseTableView::leftOut() const
 std::set<unsigned long long> CaseTableView::leftOutCaseIDs() const
 {
     return caseIDs(filteredOutRows(m_pipeline));
+}
+
+bool CaseTableView::isLoading() const
+{
+    return m_model->isSorting();
 }
 
 CaseTableWidget& CaseTableView::table() const

@@ -74,6 +74,9 @@ public:
     [[nodiscard]] std::vector<LeftOutCases> leftOut() const override;
     [[nodiscard]] std::set<unsigned long long> leftOutCaseIDs() const override;
 
+    /// Whether the rows are still being sorted.
+    [[nodiscard]] bool isLoading() const override;
+
     /// For tests.
     [[nodiscard]] CaseTableWidget& table() const;
 

@@ -11,6 +11,8 @@
 #include <QFontMetrics>
 #include <QHeaderView>
 #include <QKeyEvent>
+#include <QScopedValueRollback>
+#include <QScrollBar>
 
 #include <algorithm>
 
@@ -56,6 +58,7 @@ CaseValuesTable::CaseValuesTable(QWidget* parent)
     setWordWrap(false);
     setTextElideMode(Qt::ElideMiddle); // of a path both ends count
     setCornerButtonEnabled(false);
+    setVerticalScrollMode(QAbstractItemView::ScrollPerItem); // the place is a row
     setHorizontalScrollMode(QAbstractItemView::ScrollPerPixel);
     verticalHeader()->hide();
     verticalHeader()->setDefaultSectionSize(QFontMetrics(font()).height() + rowPaddingPx);
@@ -63,6 +66,48 @@ CaseValuesTable::CaseValuesTable(QWidget* parent)
     horizontalHeader()->setSectionResizeMode(1, QHeaderView::Stretch);
     horizontalHeader()->setDefaultAlignment(Qt::AlignLeft | Qt::AlignVCenter);
     setMinimumSize(100, 80);
+    connect(horizontalHeader(), &QHeaderView::sectionResized, this, [this](int column) {
+        if (column == 0 && !m_isSizing) {
+            m_nameWidth = columnWidth(0);
+        }
+    });
+    QScrollBar* bar = verticalScrollBar();
+    connect(bar, &QScrollBar::rangeChanged, this, &CaseValuesTable::scrollToFirstRow);
+    connect(bar, &QScrollBar::valueChanged, this, [this](int row) {
+        if (!m_isAdjusting) {
+            m_firstRow = row;
+        }
+    });
+}
+
+void CaseValuesTable::setNameWidth(std::optional<int> width)
+{
+    m_nameWidth = width;
+    sizeNames();
+}
+
+void CaseValuesTable::sizeNames()
+{
+    const QScopedValueRollback<bool> sizing(m_isSizing, true);
+    if (m_nameWidth) {
+        setColumnWidth(0, *m_nameWidth);
+        return;
+    }
+    resizeColumnToContents(0);
+    setColumnWidth(0, std::min(columnWidth(0), maxNameWidthPx));
+}
+
+void CaseValuesTable::setFirstRow(int row)
+{
+    m_firstRow = std::max(row, 0);
+    scrollToFirstRow();
+}
+
+/// The rows may come after the place: it is kept until they are there.
+void CaseValuesTable::scrollToFirstRow()
+{
+    const QScopedValueRollback<bool> adjusting(m_isAdjusting, true);
+    verticalScrollBar()->setValue(m_firstRow);
 }
 
 void CaseValuesTable::showCase(const Record& record, const AuxFile& file)
@@ -108,8 +153,7 @@ void CaseValuesTable::showRows(const std::vector<std::pair<QString, QString>>& r
         setText(row, 1, value);
     }
     if (namesChanged) {
-        resizeColumnToContents(0);
-        setColumnWidth(0, std::min(columnWidth(0), maxNameWidthPx));
+        sizeNames();
     }
 }
 

@@ -2,6 +2,7 @@
 
 #include <QTableWidget>
 
+#include <optional>
 #include <utility>
 #include <vector>
 
@@ -27,6 +28,18 @@ public:
     /// tabs, quotes or line breaks are quoted, as spreadsheets expect.
     void copy() const;
 
+    /// The first row that is in sight, as the user scrolled it or setFirstRow() asked for; where there are fewer rows the
+    /// last ones are in sight.
+    [[nodiscard]] int firstRow() const { return m_firstRow; }
+
+    /// A negative number counts as 0.
+    void setFirstRow(int row);
+
+    /// The width of the names in pixels if the user or setNameWidth() set it; else they take what they need.
+    [[nodiscard]] std::optional<int> nameWidth() const { return m_nameWidth; }
+
+    void setNameWidth(std::optional<int> width);
+
     [[nodiscard]] QSize sizeHint() const override { return {320, 190}; }
 
 protected:
@@ -35,6 +48,13 @@ protected:
 
 private:
     void showRows(const std::vector<std::pair<QString, QString>>& rows);
+    void scrollToFirstRow();
+    void sizeNames();
+
+    std::optional<int> m_nameWidth;
+    bool m_isSizing = false; ///< the names get a width that is not the user's
+    int m_firstRow = 0;
+    bool m_isAdjusting = false; ///< the scroll bar moves because of its range
 };
 
 } // namespace analyzer

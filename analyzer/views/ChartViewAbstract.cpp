@@ -1,11 +1,14 @@
 #include <analyzer/views/AxisMapping.h>
+#include <analyzer/views/AxisState.h>
 #include <analyzer/views/ChartViewAbstract.h>
 #include <analyzer/views/ChoiceSetting.h>
 #include <analyzer/views/HoveredCase.h>
+#include <analyzer/views/LegendState.h>
 #include <analyzer/views/NumberSetting.h>
 #include <analyzer/views/RealSetting.h>
 #include <analyzer/views/VariableSetting.h>
 #include <analyzer/views/filteredOutCases.h>
+#include <analyzer/views/viewState.h>
 #include <analyzer/views/withNumbers.h>
 
 #include <dataviews/common/charts/AxisDetailsCharts.h>
@@ -23,6 +26,7 @@
 #include <dataviews/platform/data/Project.h>
 #include <dataviews/platform/pipeline/DataPipelineManagerInterface.h>
 #include <dataviews/platform/serialize/Serializer.h>
+#include <dataviews/platform/undo/GenericUndoCommand.h>
 #include <dataviews/platform/undo/UndoStack.h>
 #include <dataviews/platform/vtk/vtkCvCommandProxy.h>
 
@@ -30,6 +34,7 @@
 #include <QMouseEvent>
 #include <QPalette>
 #include <QScopedValueRollback>
+#include <QTimer>
 
 #include <vtkAxis.h>
 #include <vtkBrush.h>
@@ -187,6 +192,7 @@ void ChartViewAbstract::stop()
 
 void ChartViewAbstract::suspend()
 {
+    endMouseGesture();
     m_connections.block();
     m_synchronizer->suspend();
 }
@@ -228,20 +234,17 @@ boost::shared_ptr<corvane::PropertyAbstract<DataViewInterface::MouseMode>> Chart
 
 void ChartViewAbstract::fitData()
 {
-    m_isFitPending = {true, true};
-    render();
+    fitAxes(true, true, tr("Fit Data"));
 }
 
 void ChartViewAbstract::resetXAxis()
 {
-    m_isFitPending[0] = true;
-    render();
+    fitAxes(true, false, tr("Reset X Axis"));
 }
 
 void ChartViewAbstract::resetYAxis()
 {
-    m_isFitPending[1] = true;
-    render();
+    fitAxes(false, true, tr("Reset Y Axis"));
 }
 
 std::vector<LeftOutCases> ChartViewAbstract::leftOut() const
@@ -276,6 +279,8 @@ void ChartViewAbstract::addPlot(vtkPlotPoints& plot)
 void ChartViewAbstract::start(
     const std::vector<boost::shared_ptr<VariableProperty>>& furtherVariables)
 {
+    // What a chart begins with is no doing of the user's.
+    const UndoStack::SuspendUndoRecording noRecording;
     m_regions = ConstraintsRegionPlot::New(m_pipeline, m_xVariable, m_yVariable, m_filteredOutPlot);
     m_chart->AddPlot(m_regions);
     m_chart->LowerPlot(m_regions);
@@ -286,6 +291,7 @@ void ChartViewAbstract::start(
     m_drawable = InvalidPointsFilter::New(variables);
     m_drawable->SetInputConnection(m_pipeline.output().GetOutputPort());
 
+    keepFurtherState();
     m_hover = std::make_unique<ChartHover>(*m_widget, *m_chart, m_hovered, m_images);
     m_synchronizer = std::make_unique<DataView2DSelectionSynchronizer>(
         m_chart,
@@ -325,6 +331,36 @@ void ChartViewAbstract::start(
     }
 }
 
+void ChartViewAbstract::keepFurtherState()
+{
+    SerializerInterface& state = serializer();
+    viewState::keep<MouseMode>(
+        state, "MouseMode", m_mouseMode, {{"Select", Select}, {"Pan", Pan}, {"Zoom", Zoom}});
+    viewState::keep(state, "ShowLegend", m_showLegend);
+    viewState::keep<FilteredOut>(
+        state,
+        "FilteredOut",
+        m_filteredOut,
+        {{"Hidden", FilteredOut::Hidden}, {"Gray", FilteredOut::Gray}});
+    viewState::keep(state, "PointSize", m_pointSize);
+    viewState::keep(state, "Opacity", m_opacity);
+    for (std::size_t axis = 0; axis < axisIndexes.size(); ++axis) {
+        state.addSubElement(boost::make_shared<AxisState>(
+            axis == 0 ? "XAxis" : "YAxis",
+            axis == 0 ? *m_xAxis : *m_yAxis,
+            *m_chart->GetAxis(axisIndexes[axis]),
+            [this, axis] { return axisFit(axis); },
+            [this, axis](AxisFit fit) { setAxisFit(axis, fit); }));
+    }
+    keepLegend("Legend", *m_chart->GetLegend());
+}
+
+void ChartViewAbstract::keepLegend(const std::string& elementName, vtkChartLegend& legend)
+{
+    serializer().addSubElement(boost::make_shared<LegendState>(
+        elementName, *m_chart, legend, [this] { return m_widget->devicePixelRatioF(); }));
+}
+
 void ChartViewAbstract::addAxisSettings()
 {
     const auto isOn = [](bool on) { return on; };
@@ -333,15 +369,16 @@ void ChartViewAbstract::addAxisSettings()
     {
         const char* name;
         const char* section;
+        const char* undoName;
         const AxisDetailsCharts& details;
-    } axes[] = {{"x", "X axis", *m_xAxis}, {"y", "Y axis", *m_yAxis}};
+    } axes[] = {{"x", "X axis", "X Axis", *m_xAxis}, {"y", "Y axis", "Y Axis", *m_yAxis}};
 
     for (const auto& axis : axes) {
         const std::string name = axis.name;
-        const auto min =
-            boost::make_shared<RealSetting>(name + "-min", "Minimum", axis.details.min());
-        const auto max =
-            boost::make_shared<RealSetting>(name + "-max", "Maximum", axis.details.max());
+        const auto min = rangeSetting(
+            name + "-min", "Minimum", axis.details.min(), tr("Change %1 Min").arg(axis.undoName));
+        const auto max = rangeSetting(
+            name + "-max", "Maximum", axis.details.max(), tr("Change %1 Max").arg(axis.undoName));
         const auto grid = makeSwitchSetting(
             name + "-grid", "Own grid spacing", axis.details.useCustomGridSpacing());
         const auto spacing = boost::make_shared<RealSetting>(
@@ -353,6 +390,38 @@ void ChartViewAbstract::addAxisSettings()
         spacing->setSection(axis.section);
         m_settings.insert(m_settings.end(), {min, max, grid, spacing});
     }
+}
+
+boost::shared_ptr<RealSetting> ChartViewAbstract::rangeSetting(
+    const std::string& name,
+    const std::string& label,
+    const boost::shared_ptr<corvane::PropertyAbstract<double>>& end,
+    const QString& undoText)
+{
+    const auto setting = boost::make_shared<RealSetting>(
+        name,
+        label,
+        [end] { return end->value(); },
+        [this, end, undoText](double value) {
+            const UndoStack::Macro macro(undoText);
+            const std::array<AxisFit, 2> before = {axisFit(0), axisFit(1)};
+            end->setValue(value);
+            const std::array<AxisFit, 2> after = {axisFit(0), axisFit(1)};
+            if (before == after) {
+                return;
+            }
+            const auto setFits = [this](const std::array<AxisFit, 2>& fits) {
+                setAxisFit(0, fits[0]);
+                setAxisFit(1, fits[1]);
+            };
+            UndoStack::push(std::make_unique<GenericUndoCommand>(
+                [setFits, after] { setFits(after); },
+                [setFits, before] { setFits(before); },
+                m_deleteSignaler,
+                undoText));
+        });
+    setting->follow(end);
+    return setting;
 }
 
 void ChartViewAbstract::addPointSettings()
@@ -427,11 +496,21 @@ bool ChartViewAbstract::eventFilter(QObject* watched, QEvent* event)
     case QEvent::MouseButtonPress: {
         const auto* press = static_cast<QMouseEvent*>(event);
         m_mousePlace = press->pos();
+        beginMouseGesture();
         if (press->button() == Qt::RightButton) {
             adjustSelectionForMouseClickAtPoint();
         }
         break;
     }
+    case QEvent::MouseButtonRelease:
+        if (static_cast<QMouseEvent*>(event)->buttons() == Qt::NoButton) {
+            // The chart zooms to a box when the event has passed this filter.
+            QTimer::singleShot(0, this, &ChartViewAbstract::endMouseGesture);
+        }
+        break;
+    case QEvent::Wheel:
+        turnWheel();
+        break;
     case QEvent::ContextMenu:
         emitContextMenuRequested(static_cast<QContextMenuEvent*>(event)->globalPos());
         return true;
@@ -663,6 +742,9 @@ void ChartViewAbstract::buildProperties()
     m_mouseMode = boost::make_shared<VTKChartsMouseModeProperty>(m_chart);
     m_mouseMode->setValue(Select);
 
+    viewState::keepVariable(serializer(), "XVariable", m_xVariable);
+    viewState::keepVariable(serializer(), "YVariable", m_yVariable);
+
     addSetting(boost::make_shared<VariableSetting>(
         "x", "X axis", m_xVariable, &isNumeric, "numeric variables"));
     addSetting(boost::make_shared<VariableSetting>(
@@ -743,8 +825,107 @@ void ChartViewAbstract::showFilteredOut(bool isWanted)
 void ChartViewAbstract::variableChanged(int axis)
 {
     takeTable();
+    // Part of the step that changes the variable: redoing that fits the axis anew.
+    UndoStack::push(std::make_unique<GenericUndoCommand>(
+        [] {},
+        [this, before = axesState()] { setAxesState(before); },
+        m_deleteSignaler,
+        tr("Fit Data")));
     fitLater(axis);
     emitTitleChanged();
+}
+
+AxisFit ChartViewAbstract::axisFit(std::size_t axis) const
+{
+    if (m_isFitPending[axis]) {
+        return AxisFit::Pending;
+    }
+    return m_isFitted[axis] ? AxisFit::Done : AxisFit::Own;
+}
+
+void ChartViewAbstract::setAxisFit(std::size_t axis, AxisFit fit)
+{
+    m_isFitPending[axis] = fit == AxisFit::Pending;
+    m_isFitted[axis] = fit == AxisFit::Done;
+}
+
+ChartViewAbstract::AxesState ChartViewAbstract::axesState() const
+{
+    AxesState state{{}, {axisFit(0), axisFit(1)}};
+    m_chart->GetAxis(vtkAxis::BOTTOM)->GetRange(state.ranges.data());
+    m_chart->GetAxis(vtkAxis::LEFT)->GetRange(state.ranges.data() + 2);
+    return state;
+}
+
+void ChartViewAbstract::setAxesState(const AxesState& state)
+{
+    for (std::size_t axis = 0; axis < axisIndexes.size(); ++axis) {
+        m_chart->GetAxis(axisIndexes[axis])
+            ->SetRange(state.ranges[2 * axis], state.ranges[2 * axis + 1]);
+    }
+    for (std::size_t axis = 0; axis < axisIndexes.size(); ++axis) {
+        setAxisFit(axis, state.fits[axis]);
+    }
+    markForPainting();
+}
+
+void ChartViewAbstract::recordAxes(const AxesState& before, const QString& text, int undoId)
+{
+    const AxesState after = axesState();
+    if (after == before) {
+        return;
+    }
+    UndoStack::push(std::make_unique<GenericUndoCommand>(
+        [this, after] { setAxesState(after); },
+        [this, before] { setAxesState(before); },
+        m_deleteSignaler,
+        text,
+        undoId));
+}
+
+void ChartViewAbstract::fitAxes(bool x, bool y, const QString& undoText)
+{
+    const AxesState before = axesState();
+    m_isFitPending = {m_isFitPending[0] || x, m_isFitPending[1] || y};
+    render();
+    recordAxes(before, undoText);
+}
+
+void ChartViewAbstract::beginMouseGesture()
+{
+    endMouseGesture();
+    m_axesAtPress = axesState();
+}
+
+void ChartViewAbstract::endMouseGesture()
+{
+    if (const std::optional<AxesState> before = std::exchange(m_axesAtPress, std::nullopt)) {
+        const std::array<double, 4>& now = axesState().ranges;
+        const auto isMoved = [&](std::size_t axis) {
+            const double width = before->ranges[axis + 1] - before->ranges[axis];
+            constexpr double rounding = 1e-9;
+            return std::abs(now[axis + 1] - now[axis] - width) <= std::abs(width) * rounding;
+        };
+        recordAxes(*before, isMoved(0) && isMoved(2) ? tr("Pan Chart") : tr("Zoom Chart"));
+    }
+}
+
+void ChartViewAbstract::turnWheel()
+{
+    // Turns that follow one another are one step.
+    constexpr qint64 pause = 700; // milliseconds
+    if (!m_sinceWheel.isValid() || m_sinceWheel.elapsed() > pause) {
+        m_wheelUndoId = UndoStack::nextUndoID();
+    }
+    m_sinceWheel.start();
+    if (!m_axesAtWheel) {
+        m_axesAtWheel = axesState();
+        // The chart zooms when the event has passed this filter.
+        QTimer::singleShot(0, this, [this] {
+            const AxesState before = *std::exchange(m_axesAtWheel, std::nullopt);
+            recordAxes(before, tr("Zoom Chart"), m_wheelUndoId);
+        });
+    }
 }
 
 void ChartViewAbstract::fitLater(int axis)
@@ -816,7 +997,8 @@ void ChartViewAbstract::axisModified()
     if (ranges == before || !m_widget || m_widget->renderWindow()->CheckInRenderStatus() != 0) {
         return;
     }
-    if (!m_isSettingRange) {
+    // Undo and redo bring back themselves how the ranges came to be.
+    if (!m_isSettingRange && !UndoStack::undoOrRedoInProgress()) {
         // Whoever sets a range wants that and no other.
         for (std::size_t axis = 0; axis < axisIndexes.size(); ++axis) {
             const bool isSame = ranges[2 * axis] == before[2 * axis]

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <analyzer/views/AnalyzerViewInterface.h>
+#include <analyzer/views/AxisState.h>
 #include <analyzer/views/ChartHover.h>
 #include <analyzer/views/NotDrawnCases.h>
 #include <analyzer/views/ViewServices.h>
@@ -10,8 +11,10 @@
 #include <dataviews/common/views/DataViewAbstract.h>
 
 #include <dataviews/platform/signals/SignalConnectionCollection.h>
+#include <dataviews/platform/undo/DeleteSignaler.h>
 
 #include <QColor>
+#include <QElapsedTimer>
 #include <QObject>
 #include <QPoint>
 #include <QPointer>
@@ -41,6 +44,8 @@ class vtkCvCommandProxy;
 class vtkPlotPoints;
 
 namespace analyzer {
+
+class RealSetting;
 
 /// What the charts of cases over two numeric variables have in common: the axes with their settings, the mouse, the
 /// selection, the shades of range filters, the cases that are filtered out, and how all of it looks.
@@ -143,9 +148,13 @@ protected:
     /// Puts \p plot in front of the others and connects it with the variables of the axes. For constructors.
     void addPlot(vtkPlotPoints& plot);
 
-    /// The end of every constructor. Cases without a value of one of \p furtherVariables are not drawn either, if these
+    /// The end of every constructor, which has added to serializer() what keeps the subclass's own state, the variables
+    /// first. Cases without a value of one of \p furtherVariables are not drawn either, if these
     /// are of numbers.
     void start(const std::vector<boost::shared_ptr<VariableProperty>>& furtherVariables);
+
+    /// Keeps the place of \p legend, one of the chart's, in the saved state.
+    void keepLegend(const std::string& elementName, vtkChartLegend& legend);
 
     /// The begin of every destructor: nothing is followed any more.
     void stop();
@@ -227,8 +236,40 @@ protected:
     [[nodiscard]] unsigned char alpha() const;
 
 private:
+    /// The ranges of both axes and how they came to be.
+    struct AxesState
+    {
+        std::array<double, 4> ranges; ///< bottom, left
+        std::array<AxisFit, 2> fits;
+
+        [[nodiscard]] bool operator==(const AxesState& other) const
+        {
+            return ranges == other.ranges && fits == other.fits;
+        }
+    };
+
+    /// One end of a range. Undo also brings back whether it was fitted to the data.
+    boost::shared_ptr<RealSetting> rangeSetting(
+        const std::string& name,
+        const std::string& label,
+        const boost::shared_ptr<corvane::PropertyAbstract<double>>& end,
+        const QString& undoText);
+
+    [[nodiscard]] AxisFit axisFit(std::size_t axis) const;
+    void setAxisFit(std::size_t axis, AxisFit fit);
+    [[nodiscard]] AxesState axesState() const;
+    void setAxesState(const AxesState& state);
+
+    /// Makes an undo step of what has become of the axes since they were in \p before, if anything.
+    void recordAxes(const AxesState& before, const QString& text, int undoId = -1);
+    void fitAxes(bool x, bool y, const QString& undoText);
+    void beginMouseGesture();
+    void endMouseGesture();
+    void turnWheel();
+
     void buildChart();
     void buildProperties();
+    void keepFurtherState();
     void chooseFirstVariables();
     void showFilteredOut(bool isWanted);
     void variableChanged(int axis);
@@ -274,7 +315,12 @@ private:
     bool m_isSettingRange = false;
     bool m_isDrawable = false;
     mutable std::optional<NotDrawnCases> m_notDrawn;
+    std::optional<AxesState> m_axesAtPress; ///< while a button is held
+    std::optional<AxesState> m_axesAtWheel; ///< until the wheel's turn is over
+    QElapsedTimer m_sinceWheel;
+    int m_wheelUndoId = -1;
     SignalConnectionCollection m_connections;
+    DeleteSignaler m_deleteSignaler;
     QPoint m_mousePlace; ///< of the last press in the widget, in its coordinates
 };
 

@@ -1,8 +1,11 @@
 list(
     APPEND
     ANALYZER_VIEWS_SOURCES
+    AxisState.cpp
     CaseCategories.cpp
     ChartViewAbstract.cpp
+    ColorBarState.cpp
+    LegendState.cpp
     LinePlotView.cpp
     NotDrawnCases.cpp
     PointColors.cpp

@@ -77,18 +77,14 @@ void ImageCanvas::setPicture(std::vector<QImage> levels)
     m_levels = std::move(levels);
     m_message.clear();
     setAccessibleDescription({});
-    if (pictureSize() != m_lastSize) {
-        m_lastSize = pictureSize();
-        m_center = QPointF(pictureSize().width(), pictureSize().height()) / 2;
-    }
     changeView();
 }
 
 void ImageCanvas::setMessage(const QString& message)
 {
+    endDrag();
     m_levels.clear();
     m_message = message;
-    m_isDragging = false;
     setAccessibleDescription(message);
     changeView();
 }
@@ -108,31 +104,36 @@ QSize ImageCanvas::pictureSize() const
 
 // ---- zoom
 
+void ImageCanvas::setZoom(const ImageCanvasZoom& zoom)
+{
+    if (zoom != m_zoom) {
+        m_zoom = zoom;
+        changeView();
+    }
+}
+
 double ImageCanvas::scale() const
 {
     if (!hasPicture()) {
         return 0.0;
     }
-    return m_isFitting ? fittingScale() : m_scale;
+    return m_zoom.fits ? fittingScale() : m_zoom.scale;
 }
 
 void ImageCanvas::fit()
 {
-    m_isFitting = true;
-    m_isDragging = false;
-    changeView();
+    endDrag();
+    ImageCanvasZoom zoom = m_zoom;
+    zoom.fits = true;
+    setZoom(zoom);
 }
 
 void ImageCanvas::showActualSize()
 {
-    if (!hasPicture()) {
-        // For the picture that is to come.
-        m_isFitting = false;
-        m_scale = 1.0;
-        changeView();
-        return;
-    }
-    zoomTo(1.0, deviceMiddle());
+    ImageCanvasZoom zoom = m_zoom.fits ? ImageCanvasZoom() : m_zoom;
+    zoom.fits = false;
+    zoom.scale = 1.0;
+    setZoom(zoom);
 }
 
 void ImageCanvas::zoomBySteps(int steps)
@@ -170,35 +171,58 @@ void ImageCanvas::zoomAt(int steps, const QPointF& devicePosition)
 void ImageCanvas::zoomTo(double scale, const QPointF& devicePosition)
 {
     const QPointF fixed = pictureAt(devicePosition / devicePixelRatioF());
-    m_isFitting = false;
-    m_scale = scale;
-    m_center = fixed + (deviceMiddle() - devicePosition) / scale;
-    changeView();
+    choose(zoomAround(scale, fixed + (deviceMiddle() - devicePosition) / scale), Gesture::ZoomStep);
 }
 
-void ImageCanvas::panBy(const QPointF& devicePixels)
+void ImageCanvas::panBy(const QPointF& devicePixels, Gesture gesture)
 {
-    if (m_isFitting || !hasPicture()) {
-        return;
+    if (canPan()) {
+        choose(zoomAround(m_zoom.scale, shownCenter() - devicePixels / m_zoom.scale), gesture);
     }
-    m_center -= devicePixels / m_scale;
-    changeView();
 }
 
-void ImageCanvas::keepInSight()
+void ImageCanvas::choose(const ImageCanvasZoom& zoom, Gesture gesture)
 {
-    if (m_isFitting || !hasPicture()) {
-        return;
+    if (zoom != m_zoom) {
+        setZoom(zoom);
+        Q_EMIT zoomChosen(gesture);
     }
-    const QPointF halfSight = deviceMiddle() / m_scale;
-    m_center = {
-        clampedToMiddle(m_center.x(), halfSight.x(), pictureSize().width()),
-        clampedToMiddle(m_center.y(), halfSight.y(), pictureSize().height())};
+}
+
+void ImageCanvas::endDrag()
+{
+    m_isDragging = false;
+    updateCursor();
+    if (m_hasDragged) {
+        m_hasDragged = false;
+        Q_EMIT zoomChosen(Gesture::DragEnd);
+    }
+}
+
+/// The place in the picture that is drawn in the middle of the widget while the picture is not fitted.
+QPointF ImageCanvas::shownCenter() const
+{
+    const QPointF halfSight = deviceMiddle() / m_zoom.scale;
+    const QSizeF size = pictureSize();
+    return {
+        clampedToMiddle(m_zoom.centerX * size.width(), halfSight.x(), size.width()),
+        clampedToMiddle(m_zoom.centerY * size.height(), halfSight.y(), size.height())};
+}
+
+/// No further out than the picture reaches, so that the way back begins at once.
+ImageCanvasZoom ImageCanvas::zoomAround(double scale, const QPointF& center) const
+{
+    const QPointF halfSight = deviceMiddle() / scale;
+    const QSizeF size = pictureSize();
+    return {
+        false,
+        scale,
+        clampedToMiddle(center.x(), halfSight.x(), size.width()) / size.width(),
+        clampedToMiddle(center.y(), halfSight.y(), size.height()) / size.height()};
 }
 
 void ImageCanvas::changeView()
 {
-    keepInSight();
     m_frame = {};
     updateCursor();
     update();
@@ -230,15 +254,17 @@ double ImageCanvas::fittingScale() const
 QRectF ImageCanvas::pictureRect() const
 {
     const QSizeF size = QSizeF(pictureSize()) * scale();
-    const QPointF topLeft = m_isFitting ? deviceMiddle() - QPointF(size.width(), size.height()) / 2
-                                        : deviceMiddle() - m_center * m_scale;
-    // From a whole pixel on: at the scale 1 nothing must be between two pixels.
-    return {QPointF(std::round(topLeft.x()), std::round(topLeft.y())), size};
+    const QPointF topLeft = m_zoom.fits ? deviceMiddle() - QPointF(size.width(), size.height()) / 2
+                                        : deviceMiddle() - shownCenter() * m_zoom.scale;
+    // From a whole pixel on: at the scale 1 nothing must be between two pixels. Halves always go the same way, although
+    // the center is no exact number: pictures move by as many pixels as the mouse.
+    constexpr double half = 0.5 + 1e-6;
+    return {QPointF(std::floor(topLeft.x() + half), std::floor(topLeft.y() + half)), size};
 }
 
 bool ImageCanvas::canPan() const
 {
-    if (!hasPicture() || m_isFitting) {
+    if (!hasPicture() || m_zoom.fits) {
         return false;
     }
     const QSizeF size = pictureRect().size();
@@ -347,26 +373,27 @@ void ImageCanvas::mousePressEvent(QMouseEvent* event)
         updateCursor();
     }
     event->accept();
+    Q_EMIT pressed();
 }
 
 void ImageCanvas::mouseMoveEvent(QMouseEvent* event)
 {
     if (event->buttons() == Qt::NoButton && m_isDragging) {
-        m_isDragging = false; // the release went to somebody else
-        updateCursor();
+        endDrag(); // the release went to somebody else
     }
     if (!m_isDragging) {
         return;
     }
     const QPoint moved = event->pos() - m_dragPosition;
     m_dragPosition = event->pos();
-    panBy(QPointF(moved) * devicePixelRatioF());
+    const ImageCanvasZoom before = m_zoom;
+    panBy(QPointF(moved) * devicePixelRatioF(), Gesture::Drag);
+    m_hasDragged = m_hasDragged || m_zoom != before;
 }
 
 void ImageCanvas::mouseReleaseEvent(QMouseEvent* /*event*/)
 {
-    m_isDragging = false;
-    updateCursor();
+    endDrag();
 }
 
 void ImageCanvas::wheelEvent(QWheelEvent* event)
@@ -377,7 +404,7 @@ void ImageCanvas::wheelEvent(QWheelEvent* event)
             return;
         }
         const QPointF angle = event->angleDelta();
-        panBy(angle / anglePerStep * pixelsPerWheelStep * devicePixelRatioF());
+        panBy(angle / anglePerStep * pixelsPerWheelStep * devicePixelRatioF(), Gesture::PanStep);
         event->accept();
         return;
     }

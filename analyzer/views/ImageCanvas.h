@@ -1,5 +1,7 @@
 #pragma once
 
+#include <analyzer/views/ImageCanvasZoom.h>
+
 #include <QImage>
 #include <QPixmap>
 #include <QPoint>
@@ -22,10 +24,19 @@ class ImageCanvas : public QWidget
     Q_OBJECT
 
 public:
+    /// What the user does to the zoom.
+    enum class Gesture
+    {
+        ZoomStep, ///< a step of the wheel, a key or a button
+        PanStep, ///< a step of the wheel
+        Drag, ///< a piece of a drag, which goes on
+        DragEnd ///< the last of a drag; the zoom is that of the piece before
+    };
+
     explicit ImageCanvas(QWidget* parent = nullptr);
 
     /// Shows \p levels: the picture at full size, then each half as wide and high as the one before; at least one, none
-    /// of them null. Fitting stays on or off; a zoom stays, at the same place if the picture is as large as the last.
+    /// of them null. The zoom stays.
     void setPicture(std::vector<QImage> levels);
 
     /// Shows \p message in place of a picture.
@@ -48,8 +59,14 @@ public:
 
     // ---- zoom
 
+    /// The zoom as it was set or chosen; where its center would show more than the picture, the nearest one that does
+    /// not is drawn.
+    [[nodiscard]] const ImageCanvasZoom& zoom() const { return m_zoom; }
+
+    void setZoom(const ImageCanvasZoom& zoom);
+
     /// Whether the picture is as large as the widget allows.
-    [[nodiscard]] bool isFitting() const { return m_isFitting; }
+    [[nodiscard]] bool isFitting() const { return m_zoom.fits; }
 
     /// Device pixels per pixel of the picture; 0 without a picture.
     [[nodiscard]] double scale() const;
@@ -69,6 +86,12 @@ public:
 Q_SIGNALS:
     /// The scale or fitting changed, or the picture.
     void zoomChanged();
+
+    /// The user has changed the zoom here, by the mouse or zoomBySteps().
+    void zoomChosen(analyzer::ImageCanvas::Gesture gesture);
+
+    /// A mouse button went down.
+    void pressed();
 
     /// The context menu was asked for, at this place of the screen.
     void menuRequested(const QPoint& place);
@@ -93,22 +116,22 @@ private:
 
     void zoomTo(double scale, const QPointF& devicePosition);
     void zoomAt(int steps, const QPointF& devicePosition);
-    void panBy(const QPointF& devicePixels);
-    void keepInSight();
+    void panBy(const QPointF& devicePixels, Gesture gesture);
+    void choose(const ImageCanvasZoom& zoom, Gesture gesture);
+    void endDrag();
+    [[nodiscard]] QPointF shownCenter() const;
+    [[nodiscard]] ImageCanvasZoom zoomAround(double scale, const QPointF& center) const;
     void changeView();
     void updateCursor();
     void paintMessage();
 
     std::vector<QImage> m_levels;
     QString m_message;
-    QSize m_lastSize; ///< of the picture that was shown last, also while a message is
-    bool m_isFitting = true;
-    double m_scale = 1.0; ///< while it is not fitting
-    QPointF
-        m_center; ///< the place in the picture that is in the middle of the widget, while it is not fitting
+    ImageCanvasZoom m_zoom;
     QPixmap m_frame; ///< what was drawn last; null if that is out of date
     bool m_isOutlined = false;
     bool m_isDragging = false;
+    bool m_hasDragged = false; ///< since the button went down
     QPoint m_dragPosition;
     int m_wheelAngle = 0; ///< not yet enough for a step
 };

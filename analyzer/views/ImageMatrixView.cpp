@@ -4,17 +4,23 @@
 #include <analyzer/views/ImageMatrixView.h>
 #include <analyzer/views/NumberSetting.h>
 #include <analyzer/views/PageValueSetting.h>
+#include <analyzer/views/PageValueState.h>
+#include <analyzer/views/ScrollState.h>
 #include <analyzer/views/TagGroupListSetting.h>
 #include <analyzer/views/TagListSetting.h>
 #include <analyzer/views/VariableListSetting.h>
 #include <analyzer/views/VariableSetting.h>
 #include <analyzer/views/filteredOutCases.h>
+#include <analyzer/views/viewState.h>
 
 #include <dataviews/common/images/ImageFileLoaderInterface.h>
 #include <dataviews/common/images/ImageMatrixViewProperties.h>
 #include <dataviews/common/images/ImageTableModel.h>
 #include <dataviews/common/images/QImageTableView.h>
 #include <dataviews/common/images/readImageFile.h>
+#include <dataviews/common/serializers/TagGroupsToShowSerializer.h>
+#include <dataviews/common/serializers/TagsToShowSerializer.h>
+#include <dataviews/common/serializers/VariableListSerializer.h>
 #include <dataviews/common/views/CvWaitCursor.h>
 #include <dataviews/common/views/DataViewVisitorInterface.h>
 
@@ -39,6 +45,7 @@
 
 #include <boost/make_shared.hpp>
 
+#include <algorithm>
 #include <utility>
 
 namespace analyzer {
@@ -127,9 +134,12 @@ ImageMatrixView::ImageMatrixView(
     connect(&grid, &QWidget::customContextMenuRequested, this, &ImageMatrixView::openContextMenu);
     connect(&grid, &QAbstractItemView::doubleClicked, this, &ImageMatrixView::activate);
     buildSettings();
+    keepState();
     watchTitle();
     buildHover();
     m_connections.add(m_pipeline.signalPipelineChanged.connect([this] { emitLeftOutChanged(); }));
+    m_connections.add(Project::project().signalProjectChanged.connect(
+        [this](const ProjectChange&) { keepTagsToShow(); }));
 }
 
 ImageMatrixView::~ImageMatrixView()
@@ -153,6 +163,7 @@ void ImageMatrixView::resume()
 {
     m_connections.unblock();
     m_properties->resume();
+    keepTagsToShow();
     m_images->refresh();
     m_images->resume();
     emitTitleChanged();
@@ -253,6 +264,35 @@ void ImageMatrixView::addContextActions(QMenu& menu)
     });
 }
 
+std::vector<WeakPtr<AuxFile>> ImageMatrixView::selectedImages() const
+{
+    return m_images->selectedAuxFiles();
+}
+
+void ImageMatrixView::showTag(const std::string& tag)
+{
+    const UndoStack::Macro macro(tr("Show Tag %1").arg(QString::fromStdString(tag)));
+    const std::vector<std::string> shown = m_properties->allTagsToShow()->value();
+    if (std::find(shown.begin(), shown.end(), tag) == shown.end()) {
+        std::vector<std::string> tags = m_properties->tagsToShow()->value();
+        tags.push_back(tag);
+        m_properties->tagsToShow()->setValue(tags);
+    }
+    m_properties->showLabels()->setValue(true);
+}
+
+void ImageMatrixView::layOutByTags(const std::string& group)
+{
+    const WeakPtr<TagGroup> handle = Project::project().tagGroup(group);
+    if (handle.expired()) {
+        return;
+    }
+    const UndoStack::Macro macro(tr("Lay Out by Tags of %1").arg(QString::fromStdString(group)));
+    m_properties->tagGroupsToShow()->setValue({handle});
+    m_properties->tagsToShow()->setValue({});
+    m_properties->dimensionRowsBy()->setValue(RowsBy::ByTag);
+}
+
 /// Exceptions must not pass through Qt's menus.
 template <class Function>
 void ImageMatrixView::attempt(Function function) const
@@ -332,6 +372,43 @@ void ImageMatrixView::buildSettings()
             "tags", tr("Single tags").toStdString(), m_properties->tagsToShow()),
         boost::make_shared<NumberSetting>(
             "zoom", tr("Zoom").toStdString(), m_properties->zoom(), zoomRange, " %")};
+}
+
+void ImageMatrixView::keepState()
+{
+    SerializerInterface& state = serializer();
+    viewState::keepVariable(state, "RowVariable", m_properties->rowVar());
+    viewState::keepVariable(state, "ColumnVariable", m_properties->columnVar());
+    viewState::keepVariable(state, "PageVariable", m_properties->pageVar());
+    const std::vector<std::pair<std::string, RowsBy>> rowsBy = {
+        {"Tag", RowsBy::ByTag}, {"Variable", RowsBy::ByVariable}};
+    viewState::keep(state, "RowsBy", m_properties->dimensionRowsBy(), rowsBy);
+    viewState::keep(state, "ColumnsBy", m_properties->dimensionColumnsBy(), rowsBy);
+    viewState::keep<PagesBy>(
+        state,
+        "PagesBy",
+        m_properties->dimensionPagesBy(),
+        {{"None", PagesBy::None}, {"Tag", PagesBy::ByTag}, {"Variable", PagesBy::ByVariable}});
+    state.addSubElement(
+        boost::make_shared<TagGroupsToShowSerializer>(m_properties->tagGroupsToShow()));
+    keepTagsToShow();
+    state.addSubElement(boost::make_shared<PageValueState>("PageValue", m_properties->pageValue()));
+    viewState::keep(state, "ShowLabels", m_properties->showLabels());
+    state.addSubElement(boost::make_shared<VariableListSerializer>(
+        "VariablesInLabel", m_properties->variablesInLabel(), viewState::variableCandidates()));
+    viewState::keep(state, "Zoom", m_properties->zoom());
+    state.addSubElement(boost::make_shared<ScrollState>("Scroll", m_images->grid()));
+}
+
+void ImageMatrixView::keepTagsToShow()
+{
+    std::set<std::string> known;
+    for (const WeakPtr<TagGroup>& handle : Project::project().tagGroups()) {
+        const boost::shared_ptr<TagGroup> group = handle.lock();
+        known.insert(group->tags().begin(), group->tags().end());
+    }
+    serializer().replaceSubElement(
+        boost::make_shared<TagsToShowSerializer>(m_properties->tagsToShow(), known));
 }
 
 void ImageMatrixView::watchTitle()

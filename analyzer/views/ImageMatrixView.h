@@ -91,6 +91,10 @@ public:
     /// Copy, open the folder, select the case: for the first image of the cell that the menu was asked for.
     void addContextActions(QMenu& menu) override;
 
+    [[nodiscard]] std::vector<WeakPtr<AuxFile>> selectedImages() const override;
+    void showTag(const std::string& tag) override;
+    void layOutByTags(const std::string& group) override;
+
     [[nodiscard]] ImageMatrixViewProperties& properties() const { return *m_properties; }
 
     [[nodiscard]] ImageTableView& imageTable() const { return *m_images; }
@@ -102,6 +106,8 @@ private:
     template <class Function>
     void attempt(Function function) const;
     void buildSettings();
+    void keepState();
+    void keepTagsToShow();
     void watchTitle();
     void buildHover();
     void hoveredCaseChanged();

@@ -2,6 +2,7 @@
 #include <analyzer/views/NumberSetting.h>
 #include <analyzer/views/VariableSetting.h>
 #include <analyzer/views/paletteSetting.h>
+#include <analyzer/views/viewState.h>
 #include <analyzer/views/withNumbers.h>
 
 #include <dataviews/common/charts/RingedPlotLine.h>
@@ -93,6 +94,9 @@ LinePlotView::LinePlotView(const ViewServices& services)
         addPlot(*m_lines.back());
     }
     addSettings();
+    viewState::keepVariable(serializer(), "SeriesVariable", m_seriesVariable);
+    viewState::keepPalette(serializer(), m_palette);
+    viewState::keep(serializer(), "LineWidth", m_lineWidth);
     start({});
     connections().add(m_palette->valueChanged.connect([this](ColorPalette) { applyAppearance(); }));
     connections().add(

@@ -1,8 +1,10 @@
 #include <analyzer/views/ChoiceSetting.h>
+#include <analyzer/views/ColorBarState.h>
 #include <analyzer/views/PointColors.h>
 #include <analyzer/views/RealSetting.h>
 #include <analyzer/views/VariableSetting.h>
 #include <analyzer/views/paletteSetting.h>
+#include <analyzer/views/viewState.h>
 
 #include <dataviews/common/charts/CategoryLegend.h>
 #include <dataviews/common/charts/ChartXY.h>
@@ -197,6 +199,21 @@ std::vector<boost::shared_ptr<SettingInterface>> PointColors::makeSettings() con
     return {color, palette, show, rangeType, min, max, labels};
 }
 
+void PointColors::keepState(SerializerInterface& state)
+{
+    viewState::keepVariable(state, "ColorVariable", m_variable);
+    viewState::keepPalette(state, m_palette);
+    state.addSubElement(m_legend->serializer());
+    state.addSubElement(boost::make_shared<ColorBarState>(
+        "ColorBar",
+        *m_bar->GetScalarBarRepresentation(),
+        [this] { return isBarUntouched(); },
+        // No bar is fitted to nothing.
+        [this] {
+            m_fittedBar = {0.0, 0.0, 0.0, 0.0};
+        }));
+}
+
 void PointColors::prepare(vtkTable& table)
 {
     updateCategories();
@@ -260,14 +277,10 @@ double PointColors::reservedWidth() const
 
 void PointColors::fitBar(double width, double height)
 {
-    vtkScalarBarRepresentation& bar = *m_bar->GetScalarBarRepresentation();
-    const double* place = bar.GetPosition();
-    const double* size = bar.GetPosition2();
-    const bool isUntouched =
-        !m_fittedBar || *m_fittedBar == std::array<double, 4>{place[0], place[1], size[0], size[1]};
-    if (!isUntouched || width <= 0.0 || height <= 0.0) {
+    if (!isBarUntouched() || width <= 0.0 || height <= 0.0) {
         return;
     }
+    vtkScalarBarRepresentation& bar = *m_bar->GetScalarBarRepresentation();
     // The texts are as large as there is room for them.
     const int labels = m_bar->GetScalarBarActor()->GetNumberOfLabels();
     const double share = std::min(barWidth / width, largestBarWidth);
@@ -276,6 +289,15 @@ void PointColors::fitBar(double width, double height)
     m_fittedBar = {1.0 - barMargin - share, 1.0 - barMargin - shareUp, share, shareUp};
     bar.SetPosition((*m_fittedBar)[0], (*m_fittedBar)[1]);
     bar.SetPosition2((*m_fittedBar)[2], (*m_fittedBar)[3]);
+}
+
+bool PointColors::isBarUntouched() const
+{
+    vtkScalarBarRepresentation& bar = *m_bar->GetScalarBarRepresentation();
+    const double* place = bar.GetPosition();
+    const double* size = bar.GetPosition2();
+    return !m_fittedBar
+        || *m_fittedBar == std::array<double, 4>{place[0], place[1], size[0], size[1]};
 }
 
 QString PointColors::toolTip(double x, double y) const

@@ -29,6 +29,7 @@ class ChartXY;
 class ColorLegend;
 class DataPipelineManagerInterface;
 class NiceLabelsColorBarWidget;
+class SerializerInterface;
 class vtkContextView;
 class vtkLookupTable;
 class vtkPlotPoints;
@@ -71,6 +72,10 @@ public:
     /// In the order for a panel.
     [[nodiscard]] std::vector<boost::shared_ptr<SettingInterface>> makeSettings() const;
 
+    /// Adds to \p state what keeps the color variable, the palette, the settings of the color bar, and its place if the
+    /// user gave it one.
+    void keepState(SerializerInterface& state);
+
     /// Adds to \p table, one of cases of the open study in its order, what the plot needs to color its rows. To be
     /// called before it becomes the plot's.
     void prepare(vtkTable& table);
@@ -108,6 +113,8 @@ public:
 private:
     virtual void signalPaintingNeededConnected() const {}
 
+    /// Whether the color bar stands where it was fitted.
+    [[nodiscard]] bool isBarUntouched() const;
     void chooseVariable(const WeakPtr<Variable>& variable) const;
     void updateCategories();
     void fillCategoryColors();

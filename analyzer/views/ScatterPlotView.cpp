@@ -26,6 +26,8 @@ ScatterPlotView::ScatterPlotView(const ViewServices& services)
     }
     addAxisSettings();
     addPointSettings();
+    m_colors->keepState(serializer());
+    keepLegend("CategoryLegend", m_colors->categoryLegend());
     start({m_colors->variable()});
     connections().add(m_colors->variable()->valueChanged.connect(
         [this](const WeakPtr<Variable>&) { emitTitleChanged(); }));

@@ -4,8 +4,14 @@ list(
     ANALYZER_VIEWS_SOURCES
     CaseValuesTable.cpp
     ImageCanvas.cpp
+    ImageCanvasCaption.cpp
+    ImageCanvasGroup.cpp
+    ImageCanvasLevels.cpp
+    ImageCanvasZoomBar.cpp
+    SelectedImageGrid.cpp
     SelectedImageList.cpp
     SelectedImageLoader.cpp
+    SelectedImageSerializer.cpp
     SelectedImageView.cpp
     SelectedImageWidget.cpp
 )

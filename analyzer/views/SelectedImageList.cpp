@@ -61,6 +61,35 @@ void SelectedImageList::clear()
     m_count = 0;
 }
 
+unsigned long long SelectedImageList::caseID(std::size_t number) const
+{
+    Q_ASSERT_X(number < m_selected.size(), "SelectedImageList::caseID", "there is no such case");
+    return m_cases[m_selected[number].index].caseID;
+}
+
+std::optional<std::size_t> SelectedImageList::caseNumber(unsigned long long caseID) const
+{
+    const std::size_t index = gallopTo(caseID, 0);
+    if (index == m_cases.size() || m_cases[index].caseID != caseID) {
+        return std::nullopt;
+    }
+    return numberOfCase(index);
+}
+
+/// The place among the selected cases of the case at \p index, if that is selected.
+std::optional<std::size_t> SelectedImageList::numberOfCase(std::size_t index) const
+{
+    const auto selected = std::lower_bound(
+        m_selected.begin(),
+        m_selected.end(),
+        index,
+        [](const SelectedCase& candidate, std::size_t wanted) { return candidate.index < wanted; });
+    if (selected == m_selected.end() || selected->index != index) {
+        return std::nullopt;
+    }
+    return static_cast<std::size_t>(selected - m_selected.begin());
+}
+
 boost::shared_ptr<AuxFile> SelectedImageList::file(std::size_t place) const
 {
     Q_ASSERT_X(place < m_count, "SelectedImageList::file", "there is no such place");
@@ -80,17 +109,9 @@ boost::shared_ptr<AuxFile> SelectedImageList::file(std::size_t place) const
 
 std::optional<std::size_t> SelectedImageList::placeOf(const AuxFile& file) const
 {
-    if (m_selected.empty()) {
-        return std::nullopt;
-    }
     const std::size_t index = gallopTo(m_project.caseID(file.row()), 0);
-    const auto selected = std::lower_bound(
-        m_selected.begin(),
-        m_selected.end(),
-        index,
-        [](const SelectedCase& candidate, std::size_t wanted) { return candidate.index < wanted; });
-    if (selected == m_selected.end() || selected->index != index
-        || m_cases[index].row != file.row()) {
+    const std::optional<std::size_t> number = numberOfCase(index);
+    if (!number || m_cases[index].row != file.row()) {
         return std::nullopt;
     }
     const std::vector<boost::shared_ptr<AuxFile>>& files = m_project.auxFiles(file.row());
@@ -98,7 +119,7 @@ std::optional<std::size_t> SelectedImageList::placeOf(const AuxFile& file) const
         std::find_if(files.begin(), files.end(), [&file](const boost::shared_ptr<AuxFile>& other) {
             return other.get() == &file;
         });
-    return selected->firstPlace + static_cast<std::size_t>(found - files.begin());
+    return m_selected[*number].firstPlace + static_cast<std::size_t>(found - files.begin());
 }
 
 /// The first case from \p from on whose ID is not below \p caseID. In steps that double: near cases are found in

@@ -37,6 +37,15 @@ public:
     /// The number of images.
     [[nodiscard]] std::size_t count() const { return m_count; }
 
+    /// The number of cases that have images.
+    [[nodiscard]] std::size_t caseCount() const { return m_selected.size(); }
+
+    /// The ID of the case at \p number, which is below caseCount().
+    [[nodiscard]] unsigned long long caseID(std::size_t number) const;
+
+    /// Where the case \p caseID is among those that have images, if it is.
+    [[nodiscard]] std::optional<std::size_t> caseNumber(unsigned long long caseID) const;
+
     /// The image at \p place, which is below count(). Empty if the study has been replaced since the cases were set.
     [[nodiscard]] boost::shared_ptr<AuxFile> file(std::size_t place) const;
 
@@ -58,6 +67,7 @@ private:
         std::size_t firstPlace = 0;
     };
 
+    [[nodiscard]] std::optional<std::size_t> numberOfCase(std::size_t index) const;
     [[nodiscard]] std::size_t gallopTo(unsigned long long caseID, std::size_t from) const;
 
     const Project& m_project;

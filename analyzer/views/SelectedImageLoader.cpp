@@ -1,3 +1,4 @@
+#include <analyzer/views/ImageCanvasLevels.h>
 #include <analyzer/views/SelectedImageLoader.h>
 
 #include <dataviews/common/images/ImageCache.h>
@@ -8,29 +9,12 @@
 
 #include <boost/make_shared.hpp>
 
-#include <algorithm>
 #include <exception>
 #include <utility>
 
 namespace analyzer {
 
 namespace {
-
-constexpr int smallestLevelPx = 256; ///< of the longer side; smaller ones are drawn from that
-
-std::vector<QImage> halvedAgainAndAgain(QImage image)
-{
-    std::vector<QImage> levels{std::move(image)};
-    while (std::max(levels.back().width(), levels.back().height()) > smallestLevelPx) {
-        const QSize half = (levels.back().size() / 2).expandedTo({1, 1});
-        QImage level = levels.back().scaled(half, Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
-        if (level.isNull()) {
-            break; // no memory: the larger ones do
-        }
-        levels.push_back(std::move(level));
-    }
-    return levels;
-}
 
 void read(const ImageFileLoaderInterface& loader, SelectedPicture& picture)
 {
@@ -50,7 +34,7 @@ void read(const ImageFileLoaderInterface& loader, SelectedPicture& picture)
         picture.problem = "There is not enough memory to turn the picture upright";
         return;
     }
-    picture.levels = halvedAgainAndAgain(std::move(image));
+    picture.levels = imageCanvasLevels(std::move(image));
 }
 
 } // namespace

@@ -2,6 +2,7 @@
 
 #include <analyzer/views/AnalyzerViewInterface.h>
 #include <analyzer/views/HoveredCase.h>
+#include <analyzer/views/ImageCanvasGroup.h>
 #include <analyzer/views/SelectedImageList.h>
 #include <analyzer/views/SelectedImageLoader.h>
 #include <analyzer/views/SelectedImageViewInterface.h>
@@ -20,6 +21,8 @@
 #include <boost/shared_ptr.hpp>
 
 #include <cstddef>
+#include <cstdint>
+#include <memory>
 #include <optional>
 #include <set>
 #include <string>
@@ -33,13 +36,14 @@ namespace analyzer {
 
 class SelectedImageWidget;
 
-/// One image of the selected cases at a time, at any size, with the values of its case.
+/// Images of the selected cases, one or several at a time, at any size, with the values of a case.
 ///
 /// The images are those of the selected cases that pass the filters, in ascending order of the case IDs, each case's
-/// in the order of the study. When the selection or the filters change, the image that is shown stays as long as it is
-/// among them; else the first one is shown. Pictures are read in the background; until one has come, the one before
-/// stays for a moment. The image of the hovered case has an outline. Owned through a shared pointer; its widget belongs
-/// to the parent that it was given, or to the view without one.
+/// in the order of the study. Several stand side by side, page by page, and are zoomed and moved in step; one of them is
+/// the current one, by a click, and its values are shown. When the selection or the filters change, the current image
+/// stays as long as it is among them; else the first one is shown. Pictures are read in the background; until one has
+/// come, the one before stays for a moment. The images of the hovered case have an outline. Owned through a shared
+/// pointer; its widget belongs to the parent that it was given, or to the view without one.
 class SelectedImageView
     : public DataViewAbstract
     , public SelectedImageViewInterface
@@ -86,47 +90,69 @@ public:
     /// Whether the picture is as large as the view allows; undoable.
     [[nodiscard]] boost::shared_ptr<corvane::PropertyAbstract<bool>> fitToWindow() const;
 
-    /// The image that is shown or being read; a handle of nothing without one.
-    [[nodiscard]] const WeakPtr<AuxFile>& currentImage() const { return m_current; }
+    /// How many images are shown at once, one of imageCounts(); undoable.
+    [[nodiscard]] boost::shared_ptr<corvane::PropertyAbstract<std::uint64_t>> imagesAtOnce() const;
 
-    /// Whether the picture of the present image is still to come.
-    [[nodiscard]] bool isLoading() const override { return m_loader.isLoading(); }
+    [[nodiscard]] static const std::vector<std::uint64_t>& imageCounts();
+
+    /// The image whose values are shown; a handle of nothing without one.
+    [[nodiscard]] const WeakPtr<AuxFile>& currentImage() const override { return m_current; }
+
+    /// Whether a picture that is to be shown is still to come.
+    [[nodiscard]] bool isLoading() const override;
 
     /// For tests.
     [[nodiscard]] SelectedImageWidget& imageWidget() const;
 
 protected:
-    /// The case of the present image, wherever the mouse is.
+    /// The case of the current image, wherever the mouse is.
     bool caseIDAtPoint(unsigned long long& caseID) override;
 
 private:
+    /// What is shown in one cell of the widget.
+    struct Cell
+    {
+        explicit Cell(const boost::shared_ptr<ImageCache>& cache)
+            : loader(cache)
+        {}
+
+        SelectedImageLoader loader;
+        WeakPtr<AuxFile> file;
+        boost::shared_ptr<QImage> shared; ///< keeps the picture in the cache
+    };
+
     void buildWidget();
-    void buildFitting();
+    void buildSettings();
+    void buildSerializer();
     void takeCases();
     void takeSelection(const std::set<unsigned long long>& selection);
     void chooseImage(bool hasSelection);
+    [[nodiscard]] std::size_t firstOfPage(std::size_t place) const;
     void walkTo(std::size_t place);
     void showPlace(std::size_t place);
     void showNothing(bool hasSelection);
+    [[nodiscard]] Cell& cell(std::size_t number);
+    void showFile(std::size_t number, const boost::shared_ptr<AuxFile>& file);
+    void emptyCellsFrom(std::size_t number);
     void setCurrent(const WeakPtr<AuxFile>& file);
     void describe(const AuxFile& file);
+    void describeCells();
     void projectChanged(const ProjectChange& change);
-    void pictureArrived(SelectedPicture& picture);
-    void zoomChanged();
+    void pictureArrived(std::size_t number, SelectedPicture& picture);
     void showHover();
 
     const DataPipelineManagerInterface& m_pipeline;
     boost::shared_ptr<HoveredCase> m_hovered;
     QPointer<SelectedImageWidget> m_widget;
     SelectedImageList m_list;
-    SelectedImageLoader m_loader;
-    QTimer
-        m_slowLoading; ///< runs while a picture is being read and the one before may still be seen
-    std::size_t m_place = 0; ///< of the present image, if there is one
+    boost::shared_ptr<ImageCache> m_cache;
+    std::vector<std::unique_ptr<Cell>> m_cells; ///< as many as were ever needed
+    QTimer m_slowLoading; ///< runs while pictures are being read and those before may still be seen
+    std::size_t m_place = 0; ///< of the current image, if there is one
     WeakPtr<AuxFile> m_current;
     WeakPtr<AuxFile> m_wanted; ///< to be shown when it is selected
-    boost::shared_ptr<QImage> m_shared; ///< keeps the present picture in the cache
-    boost::shared_ptr<corvane::PropertyAbstract<bool>> m_fitToWindow;
+    ImageCanvasGroup m_canvases;
+    boost::shared_ptr<corvane::PropertyAbstract<std::uint64_t>> m_imagesAtOnce;
     std::vector<boost::shared_ptr<SettingInterface>> m_settings;
     bool m_isSuspended = false;
     SignalConnectionCollection

@@ -4,6 +4,7 @@
 #include <QWidget>
 
 #include <cstddef>
+#include <optional>
 
 class QLabel;
 class QSplitter;
@@ -13,11 +14,14 @@ namespace analyzer {
 
 class CaseValuesTable;
 class ImageCanvas;
+class ImageCanvasCaption;
+class ImageCanvasZoomBar;
+class SelectedImageGrid;
 
-/// A picture with a bar above and the values of its case beside it, or below it where the widget is narrow.
+/// Pictures with a bar above and the values of the current one's case beside them, or below them where the widget is
+/// narrow.
 ///
-/// Its keys: Left, Page Up, Right, Page Down, Home and End for the picture, + and - for the zoom, F for fitting and 1
-/// for the actual size.
+/// Its keys: Left, Page Up, Right, Page Down, Home and End for the pictures, and those of ImageCanvasZoomBar.
 class SelectedImageWidget : public QWidget
 {
     Q_OBJECT
@@ -25,10 +29,11 @@ class SelectedImageWidget : public QWidget
 public:
     explicit SelectedImageWidget(QWidget* parent = nullptr);
 
-    /// Shows that the picture is the one at \p place of \p count, counted from 0.
-    void setPlace(std::size_t place, std::size_t count);
+    /// Shows that the pictures are \p shown ones from the place \p first on of \p count, counted from 0. Up to \p cells
+    /// are shown together.
+    void setPlaces(std::size_t first, std::size_t shown, std::size_t count, std::size_t cells);
 
-    /// Shows the name of the picture's file and its \p tags, with \p path for who asks.
+    /// Shows the name of the current picture's file and its \p tags, with \p path for who asks.
     void setFile(const QString& name, const QString& tags, const QString& path);
 
     /// Shows \p message in place of everything about a picture.
@@ -36,19 +41,28 @@ public:
 
     void setFitting(bool isFitting);
 
-    [[nodiscard]] ImageCanvas& canvas() const { return *m_canvas; }
+    [[nodiscard]] SelectedImageGrid& grid() const { return *m_grid; }
 
     [[nodiscard]] CaseValuesTable& values() const { return *m_values; }
 
+    /// The part of the room that the values take, from 0 to 1, if the user has moved the handle between them and the
+    /// pictures; else they take what they need, and no more than a third beside several pictures.
+    [[nodiscard]] std::optional<double> valuesShare() const { return m_valuesShare; }
+
+    void setValuesShare(std::optional<double> share);
+
     // ---- for tests
+
+    /// That of the first cell.
+    [[nodiscard]] ImageCanvas& canvas() const;
 
     [[nodiscard]] QToolButton& previousButton() const { return *m_previous; }
 
     [[nodiscard]] QToolButton& nextButton() const { return *m_next; }
 
-    [[nodiscard]] QToolButton& fitButton() const { return *m_fit; }
+    [[nodiscard]] ImageCanvasZoomBar& zoomBar() const { return *m_zoomBar; }
 
-    [[nodiscard]] QToolButton& actualSizeButton() const { return *m_actualSize; }
+    [[nodiscard]] QSplitter& splitter() const { return *m_splitter; }
 
     [[nodiscard]] QString placeText() const;
     [[nodiscard]] QString fileText() const;
@@ -68,22 +82,21 @@ protected:
 
 private:
     QWidget* makeBar();
-    QToolButton* makeButton(const QString& name, const QString& toolTip);
     bool obeyKey(int key);
-    void showZoom();
+    void noteShare();
+    void shareRoom();
+    [[nodiscard]] int roomForValues(int room) const;
 
-    ImageCanvas* m_canvas;
+    SelectedImageGrid* m_grid;
     CaseValuesTable* m_values;
     QSplitter* m_splitter;
     QToolButton* m_previous = nullptr;
     QToolButton* m_next = nullptr;
-    QToolButton* m_zoomOut = nullptr;
-    QToolButton* m_zoomIn = nullptr;
-    QToolButton* m_fit = nullptr;
-    QToolButton* m_actualSize = nullptr;
+    ImageCanvasZoomBar* m_zoomBar = nullptr;
     QLabel* m_place = nullptr;
-    QLabel* m_zoom = nullptr;
-    QLabel* m_file = nullptr;
+    ImageCanvasCaption* m_file = nullptr;
+    std::optional<double> m_valuesShare;
+    bool m_hasSeveral = false; ///< pictures beside each other
 };
 
 } // namespace analyzer

@@ -1,7 +1,10 @@
 #include <analyzer/views/CaseTableView.h>
+#include <analyzer/views/ImageDiffView.h>
 #include <analyzer/views/ImageMatrixView.h>
 #include <analyzer/views/LinePlotView.h>
+#include <analyzer/views/ScatterPlot3DView.h>
 #include <analyzer/views/ScatterPlotView.h>
+#include <analyzer/views/SelectedCasesView.h>
 #include <analyzer/views/SelectedImageView.h>
 #include <analyzer/views/ViewServices.h>
 #include <analyzer/views/viewKinds.h>
@@ -26,7 +29,15 @@ constexpr char chartHelp[] =
 
 std::vector<std::string> viewKinds()
 {
-    return {"scatter", "line", "table", "images", "selected-image"};
+    return {
+        "scatter",
+        "line",
+        "scatter3d",
+        "table",
+        "images",
+        "selected-cases",
+        "selected-image",
+        "image-diff"};
 }
 
 std::string viewKindHelp(const std::string& kind)
@@ -43,13 +54,31 @@ std::string viewKindHelp(const std::string& kind)
                            "legend (on, off), ")
             + chartHelp;
     }
+    if (kind == "scatter3d") {
+        return "x, y, z (numeric variables), color (variable, or (none)), "
+               "palette (viridis, cividis, coolwarm), legend, color-legend (on, off), "
+               "color-range (automatic, own), color-min, color-max, labels (3 to 40), "
+               "azimuth (-360 to 360), elevation (-90 to 90), zoom (0.1 to 100), "
+               "point-size (1 to 40), opacity (0 to 100), mouse-mode (select, pan, zoom)";
+    }
     if (kind == "images") {
         return "row, column, page (variables, or (all)), rows-by, columns-by (variable, tag), "
                "pages-by (none, variable, tag), page-value, labels (on, off), label-variables, "
                "tag-groups, tags (lists: a,b,c), zoom (0 to 100)";
     }
+    if (kind == "selected-cases") {
+        return "show (all, differing), reference (none, first, or a case ID), difference (percent, "
+               "absolute, off), mark (differences, magnitude), order (study, nature)";
+    }
     if (kind == "selected-image") {
-        return "fit (on, off)";
+        return "fit (on, off), images (at once: 1, 2, 3, 4, 6, 9)";
+    }
+    if (kind == "image-diff") {
+        return "mode (side-by-side, blend, difference), blend (0 to 100), gain (of differences: 1 "
+               "to "
+               "16), tag (of the images, or (first in common)), reference (none, or a case ID), "
+               "swap, "
+               "fit (on, off)";
     }
     return "no properties";
 }
@@ -63,6 +92,9 @@ boost::shared_ptr<AnalyzerViewInterface> makeView(
     if (kind == "line") {
         return boost::make_shared<LinePlotView>(services);
     }
+    if (kind == "scatter3d") {
+        return boost::make_shared<ScatterPlot3DView>(services);
+    }
     if (kind == "images") {
         return boost::make_shared<ImageMatrixView>(
             services.pipeline,
@@ -70,8 +102,16 @@ boost::shared_ptr<AnalyzerViewInterface> makeView(
             services.scaledImages->imageLoader(),
             services.hovered);
     }
+    if (kind == "selected-cases") {
+        return boost::make_shared<SelectedCasesView>(
+            services.pipeline, services.selection, services.hovered);
+    }
     if (kind == "selected-image") {
         return boost::make_shared<SelectedImageView>(
+            services.pipeline, services.selection, services.images, services.hovered);
+    }
+    if (kind == "image-diff") {
+        return boost::make_shared<ImageDiffView>(
             services.pipeline, services.selection, services.images, services.hovered);
     }
     Q_ASSERT_X(kind == "table", "makeView", "there is no such kind of view");

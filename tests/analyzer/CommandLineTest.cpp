@@ -31,11 +31,11 @@ TEST(CommandLineTest, ReadsEverythingThatIsAskedFor)
     EXPECT_EQ(line.study, "study.csv");
     EXPECT_EQ(line.views, (std::vector<std::string>{"scatter", "table", "scatter"}));
     ASSERT_EQ(line.assignments.size(), 2U);
-    EXPECT_EQ(line.assignments[0].viewKind, "scatter");
-    EXPECT_EQ(line.assignments[0].viewNumber, 2U);
+    EXPECT_EQ(line.assignments[0].view.kind, "scatter");
+    EXPECT_EQ(line.assignments[0].view.number, 2U);
     EXPECT_EQ(line.assignments[0].property, "x");
     EXPECT_EQ(line.assignments[0].value, "Drag = 1.5");
-    EXPECT_EQ(line.assignments[1].viewNumber, 1U);
+    EXPECT_EQ(line.assignments[1].view.number, 1U);
     EXPECT_EQ(line.assignments[1].value, "off");
     const std::vector<std::pair<unsigned long long, unsigned long long>> ranges{
         {3, 3}, {7, 7}, {20, 40}};
@@ -43,6 +43,41 @@ TEST(CommandLineTest, ReadsEverythingThatIsAskedFor)
     EXPECT_EQ(line.size, QSize(1600, 900));
     EXPECT_EQ(line.screenshot, "a.png");
     EXPECT_EQ(line.exportCsv, "a.csv");
+}
+
+TEST(CommandLineTest, ReadsSessionsPicturesAndReports)
+{
+    const CommandLine line = CommandLine::parse(
+        {"--session",
+         "a.dvsession",
+         "--save-session=b.dvsession",
+         "--export-view",
+         "scatter3d2=drag.SVG",
+         "--export-view=table=cases.pdf",
+         "--export-size",
+         "3000x2000",
+         "--export-dpi=300",
+         "--report",
+         "r.html"});
+
+    EXPECT_EQ(line.session, "a.dvsession");
+    EXPECT_EQ(line.saveSession, "b.dvsession");
+    ASSERT_EQ(line.pictures.size(), 2U);
+    EXPECT_EQ(line.pictures[0].view.kind, "scatter3d");
+    EXPECT_EQ(line.pictures[0].view.number, 2U);
+    EXPECT_EQ(line.pictures[0].file, "drag.SVG");
+    EXPECT_EQ(line.pictures[1].view.number, 1U);
+    EXPECT_EQ(line.pictureSize, QSize(3000, 2000));
+    EXPECT_EQ(line.pictureDpi, 300);
+    EXPECT_EQ(line.report, "r.html");
+    EXPECT_EQ(CommandLine::parse({"c.dvsession", "--report", "r.html"}).session, "c.dvsession");
+    EXPECT_THROW(CommandLine::parse({"s.csv", "--session", "a.dvsession"}), UsageError);
+    EXPECT_THROW(CommandLine::parse({"--save-session", "a.dvsession"}), UsageError);
+    for (const char* picture : {"scatter", "=a.png", "scatter=", "pie=a.png", "scatter=a.gif"}) {
+        EXPECT_THROW(CommandLine::parse({"s.csv", "--export-view", picture}), UsageError)
+            << picture;
+    }
+    EXPECT_THROW(CommandLine::parse({"s.csv", "--export-dpi", "1"}), UsageError);
 }
 
 TEST(CommandLineTest, NothingIsSelectedByAnEmptyList)

@@ -454,10 +454,11 @@ TEST_F(MainWindowTest, AssignmentsFindViewsByKindAndNumber)
     EXPECT_THROW(m_window->assign({"scatter", 1, "legend", "maybe"}), ExceptionBase);
 }
 
-TEST_F(MainWindowTest, ClosedViewGoesAndTheOthersStayLinked)
+TEST_F(MainWindowTest, ClosedViewComesBackAsItWasAndTheOthersStayLinked)
 {
     ASSERT_TRUE(open(writeStudy()));
-    boost::weak_ptr<analyzer::AnalyzerViewInterface> chart = m_window->views().front();
+    const boost::weak_ptr<analyzer::AnalyzerViewInterface> chart = m_window->views().front();
+    const std::string before = chart.lock()->title();
     m_window->assign({"scatter", 1, "x", "Lift"});
     m_window->show();
 
@@ -469,12 +470,25 @@ TEST_F(MainWindowTest, ClosedViewGoesAndTheOthersStayLinked)
     }
     QTest::qWait(10);
 
-    EXPECT_TRUE(chart.expired());
     EXPECT_EQ(kinds(), (std::vector<std::string>{"table"}));
     EXPECT_EQ(m_window->activeView(), m_window->views().front());
-    UndoStack::history().undo(); // of a view that is gone: does nothing
     m_window->selectAll();
     EXPECT_EQ(status(), QStringLiteral("40 of 40 cases selected"));
+
+    QUndoStack& history = UndoStack::history();
+    history.undo(); // the selection
+    EXPECT_EQ(history.undoText(), QStringLiteral("Close Chart 1"));
+    history.undo();
+    EXPECT_EQ(kinds(), (std::vector<std::string>{"scatter", "table"}));
+    ASSERT_EQ(m_window->views().front(), chart.lock());
+    EXPECT_TRUE(chart.lock()->widget().isVisible());
+    EXPECT_NE(chart.lock()->title(), before);
+    history.undo(); // the variable: of the view that was away
+    EXPECT_EQ(chart.lock()->title(), before);
+    history.setIndex(history.count());
+    EXPECT_EQ(kinds(), (std::vector<std::string>{"table"}));
+    history.clear();
+    EXPECT_TRUE(chart.expired()) << "nothing can bring it back";
 }
 
 TEST_F(MainWindowTest, OpensAStudyWithImagesAsAMatrixBesideTheOthers)

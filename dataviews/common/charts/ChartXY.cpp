@@ -87,6 +87,33 @@ void ChartXY::addLegend(const vtkSmartPointer<vtkChartLegend>& legend)
     AddItem(legend);
 }
 
+std::optional<ChartXY::LegendPlace> ChartXY::ownLegendPlace(const vtkChartLegend& legend) const
+{
+    const auto record =
+        std::find_if(m_legends.begin(), m_legends.end(), [&legend](const auto& candidate) {
+            return candidate.legend == &legend;
+        });
+    if (record == m_legends.end() || record->wanted) {
+        return record == m_legends.end() ? std::nullopt : record->wanted;
+    }
+    if (!record->positioned || record->automaticallyPlaced) {
+        return {};
+    }
+    const float* point = record->legend->GetPoint();
+    return LegendPlace{
+        m_paintedSize.first - point[0] - record->dimensions.first,
+        m_paintedSize.second - point[1] - record->dimensions.second};
+}
+
+void ChartXY::placeLegend(const vtkChartLegend& legend, const LegendPlace& place)
+{
+    for (LegendAndItsDimensions& record : m_legends) {
+        if (record.legend == &legend) {
+            record.wanted = place;
+        }
+    }
+}
+
 void ChartXY::Update()
 {
     for (const LegendAndItsDimensions& record : m_legends) {
@@ -187,6 +214,15 @@ void ChartXY::layOutLegend(LegendAndItsDimensions& record)
 {
     vtkChartLegend& legend = *record.legend;
     const vtkRectf measured = legend.GetBoundingRect(m_painter);
+    if (record.wanted) {
+        legend.SetPoint(
+            GetSize().GetWidth() - record.wanted->right - measured.GetWidth(),
+            GetSize().GetHeight() - record.wanted->top - measured.GetHeight());
+        record.wanted.reset();
+        record.positioned = true;
+        record.automaticallyPlaced = false;
+        record.dimensions = {measured.GetWidth(), measured.GetHeight()};
+    }
     if (!record.positioned) {
         record.positioned = true;
         if (isUnplaced(legend)) {

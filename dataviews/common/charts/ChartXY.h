@@ -8,6 +8,7 @@
 #include <vtkSmartPointer.h>
 
 #include <cstddef>
+#include <optional>
 #include <utility>
 #include <vector>
 
@@ -38,6 +39,20 @@ public:
     /// Adds \p legend behind the others; the chart paints it, places it if nobody else has by the first layout, and
     /// keeps it for good. A legend without a chart gets this one.
     void addLegend(const vtkSmartPointer<vtkChartLegend>& legend);
+
+    /// How far the right and the top edge of a legend are from those of the chart, in pixels.
+    struct LegendPlace
+    {
+        float right;
+        float top;
+    };
+
+    /// Where \p legend, one of this chart's, was put by the user or by placeLegend(); none while it stands where the
+    /// chart put it or has not been painted yet.
+    [[nodiscard]] std::optional<LegendPlace> ownLegendPlace(const vtkChartLegend& legend) const;
+
+    /// Puts \p legend, one of this chart's, at \p place when it is laid out next, but not outside of the chart.
+    void placeLegend(const vtkChartLegend& legend, const LegendPlace& place);
 
     /// Whether legends keep their distance from the top-right corner when the chart changes its size, as in a window
     /// that the user drags larger. Off at first: legends then keep their distance from the bottom-left corner and are
@@ -77,6 +92,7 @@ private:
         bool positioned = false; ///< some layout has seen the legend visible
         bool automaticallyPlaced = false; ///< it stands where the chart put it
         float rightEdge = 0.0F; ///< where the chart put its right edge
+        std::optional<LegendPlace> wanted; ///< by placeLegend(), until the next layout
     };
 
     void registerLegend(const vtkSmartPointer<vtkChartLegend>& legend);

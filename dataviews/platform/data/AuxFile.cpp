@@ -17,6 +17,12 @@ bool AuxFile::hasTag(const std::string& name) const
     return tag && (hasOwnTag(*tag) || m_tags->cases(*tag).contains(m_row));
 }
 
+bool AuxFile::hasOwnTag(const std::string& name) const
+{
+    const auto tag = m_tags->find(name);
+    return tag && hasOwnTag(*tag);
+}
+
 std::vector<std::string> AuxFile::tags() const
 {
     std::vector<std::string> names;

@@ -30,6 +30,9 @@ public:
     /// Whether the file or its case carries the tag \p name.
     [[nodiscard]] bool hasTag(const std::string& name) const;
 
+    /// Whether the file itself carries the tag \p name.
+    [[nodiscard]] bool hasOwnTag(const std::string& name) const;
+
     /// The tags of the file and of its case, sorted, each once.
     [[nodiscard]] std::vector<std::string> tags() const;
 

@@ -1,6 +1,7 @@
 #include <dataviews/platform/data/Project.h>
 #include <dataviews/platform/property/ExceptionBase.h>
 
+#include <QString>
 #include <QtGlobal>
 
 #include <vtkIntArray.h>
@@ -37,22 +38,33 @@ unsigned long long widened(int id)
     return static_cast<unsigned long long>(static_cast<long long>(id));
 }
 
-/// \p kind is "tag" or "tag group".
-void checkName(const std::string& name, const char* kind)
+/// What stands in for the open study now; null for nothing.
+Project*& substitute()
 {
-    if (name.empty()) {
-        throw ExceptionBase(std::string("A ") + kind + " needs a name.");
-    }
+    static Project* present = nullptr;
+    return present;
+}
+
+bool isUtf8(const std::string& text)
+{
+    const std::string marked = '.' + text; // a byte order mark at the front would be dropped
+    return QString::fromStdString(marked).toStdString() == marked;
+}
+
+bool holdsControlCharacter(const std::string& text)
+{
     constexpr unsigned char firstPrintable = 0x20;
     constexpr unsigned char deleteCharacter = 0x7f;
-    const bool hasControl = std::any_of(name.begin(), name.end(), [](char c) {
+    return std::any_of(text.begin(), text.end(), [](char c) {
         const auto byte = static_cast<unsigned char>(c);
         return (byte < firstPrintable && c != '\n') || byte == deleteCharacter;
     });
-    if (hasControl) {
-        throw ExceptionBase(
-            std::string("The name of a ") + kind + " cannot hold control characters.");
-    }
+}
+
+template <class T>
+void insertAt(std::vector<T>& list, std::size_t place, const T& item)
+{
+    list.insert(list.begin() + static_cast<std::ptrdiff_t>(std::min(place, list.size())), item);
 }
 
 } // namespace
@@ -92,6 +104,27 @@ struct Project::Content
         return static_cast<std::size_t>(caseIDs->GetNumberOfTuples());
     }
 
+    /// The number of \p tag.
+    /// \throws ExceptionBase for an unknown tag.
+    [[nodiscard]] TagStore::TagNumber knownTag(const std::string& tag) const
+    {
+        const auto number = tags->find(tag);
+        if (!number) {
+            throw ExceptionBase("There is no tag \"" + tag + "\".");
+        }
+        return *number;
+    }
+
+    /// Where the group called \p group is; the end for an unknown one.
+    [[nodiscard]] std::vector<boost::shared_ptr<TagGroup>>::iterator findGroup(
+        const std::string& group)
+    {
+        return std::find_if(
+            tagGroups.begin(), tagGroups.end(), [&group](const boost::shared_ptr<TagGroup>& other) {
+                return other->name() == group;
+            });
+    }
+
     std::string name;
     std::string filePath;
     vtkNew<vtkTable> table;
@@ -119,7 +152,16 @@ Project::~Project() = default;
 Project& Project::project()
 {
     static Project openProject;
-    return openProject;
+    return substitute() != nullptr ? *substitute() : openProject;
+}
+
+Project::Substitute::Substitute(Project& project)
+    : m_former(std::exchange(substitute(), &project))
+{}
+
+Project::Substitute::~Substitute()
+{
+    substitute() = m_former;
 }
 
 void Project::replaceStudy(Project& study)
@@ -253,9 +295,50 @@ std::vector<std::string> Project::caseTags(std::size_t row) const
     return names;
 }
 
+std::size_t Project::taggedAuxFileCount(const std::string& tag) const
+{
+    const auto number = m_content->tags->find(tag);
+    return number ? m_content->tags->fileCount(*number) : 0;
+}
+
+std::vector<boost::shared_ptr<AuxFile>> Project::taggedAuxFiles(const std::string& tag) const
+{
+    const std::size_t count = taggedAuxFileCount(tag);
+    std::vector<boost::shared_ptr<AuxFile>> files;
+    files.reserve(count);
+    for (std::size_t row = 0; files.size() < count; ++row) {
+        for (const boost::shared_ptr<AuxFile>& file : auxFiles(row)) {
+            if (file->hasOwnTag(tag)) {
+                files.push_back(file);
+            }
+        }
+    }
+    return files;
+}
+
+void Project::checkTagName(const std::string& name, const std::string& kind)
+{
+    if (name.empty()) {
+        throw ExceptionBase("A " + kind + " needs a name.");
+    }
+    const std::string theName = "The name of a " + kind;
+    if (holdsControlCharacter(name)) {
+        throw ExceptionBase(theName + " cannot hold control characters.");
+    }
+    if (!isUtf8(name)) {
+        throw ExceptionBase(theName + " must be text in UTF-8.");
+    }
+    const QString text = QString::fromStdString(name);
+    for (const ushort code : {ushort(0xfffe), ushort(0xffff)}) { // no XML file can hold them
+        if (text.contains(QChar(code))) {
+            throw ExceptionBase(theName + " cannot hold the character U+FFFE or U+FFFF.");
+        }
+    }
+}
+
 WeakPtr<TagGroup> Project::addTagGroup(const std::string& name)
 {
-    checkName(name, "tag group");
+    checkTagName(name, "tag group");
     if (!tagGroup(name).isNull()) {
         throw ExceptionBase("There is a tag group \"" + name + "\" already.");
     }
@@ -268,7 +351,7 @@ WeakPtr<TagGroup> Project::addTagGroup(const std::string& name)
 
 void Project::addTag(const std::string& group, const std::string& tag)
 {
-    checkName(tag, "tag");
+    checkTagName(tag, "tag");
     const boost::shared_ptr<TagGroup> owner = tagGroup(group).lock();
     if (!owner) {
         throw ExceptionBase("There is no tag group \"" + group + "\".");
@@ -283,13 +366,10 @@ void Project::addTag(const std::string& group, const std::string& tag)
 
 void Project::tagCases(const std::string& tag, const RowBitmap& rows, bool carry)
 {
-    const auto number = m_content->tags->find(tag);
-    if (!number) {
-        throw ExceptionBase("There is no tag \"" + tag + "\".");
-    }
+    const TagStore::TagNumber number = m_content->knownTag(tag);
     Q_ASSERT_X(
         rows.rowCount() == caseCount(), "Project::tagCases", "the rows are of another table");
-    std::vector<std::uint64_t>& words = m_content->tags->cases(*number).words();
+    std::vector<std::uint64_t>& words = m_content->tags->cases(number).words();
     std::uint64_t changes = 0;
     for (std::size_t word = 0; word < words.size(); ++word) {
         const std::uint64_t bits = rows.words()[word];
@@ -302,58 +382,139 @@ void Project::tagCases(const std::string& tag, const RowBitmap& rows, bool carry
     }
 }
 
-void Project::tagAuxFile(AuxFile& file, const std::string& tag, bool carry)
+bool Project::setOwnTag(AuxFile& file, TagStore::TagNumber tag, bool carry)
 {
-    const auto number = m_content->tags->find(tag);
-    if (!number) {
-        throw ExceptionBase("There is no tag \"" + tag + "\".");
-    }
-    if (carry == file.hasOwnTag(*number)) {
-        return;
+    if (carry == file.hasOwnTag(tag)) {
+        return false;
     }
     if (carry) {
-        file.m_ownTags.push_back(*number);
+        file.m_ownTags.push_back(tag);
     } else {
-        file.m_ownTags.erase(std::find(file.m_ownTags.begin(), file.m_ownTags.end(), *number));
+        file.m_ownTags.erase(std::find(file.m_ownTags.begin(), file.m_ownTags.end(), tag));
     }
-    announce({});
+    m_content->tags->countFile(tag, carry);
+    return true;
+}
+
+void Project::tagAuxFile(AuxFile& file, const std::string& tag, bool carry)
+{
+    if (setOwnTag(file, m_content->knownTag(tag), carry)) {
+        announce({});
+    }
+}
+
+void Project::tagAuxFiles(
+    const std::vector<boost::shared_ptr<AuxFile>>& files, const std::string& tag, bool carry)
+{
+    const TagStore::TagNumber number = m_content->knownTag(tag);
+    bool changed = false;
+    for (const boost::shared_ptr<AuxFile>& file : files) {
+        changed = setOwnTag(*file, number, carry) || changed;
+    }
+    if (changed) {
+        announce({});
+    }
 }
 
 void Project::removeTag(const std::string& tag)
 {
-    if (!hasTag(tag)) {
-        return;
+    if (hasTag(tag)) {
+        static_cast<void>(takeTag(tag));
     }
-    const std::string name = tag; // the argument may be the one in the group
+}
+
+RemovedTag Project::takeTag(const std::string& tag)
+{
+    RemovedTag removed;
+    removed.name = tag; // the argument may be the one in the group
+    removed.number = m_content->knownTag(tag);
     for (const boost::shared_ptr<TagGroup>& group : m_content->tagGroups) {
-        group->m_tags.erase(
-            std::remove(group->m_tags.begin(), group->m_tags.end(), name), group->m_tags.end());
+        const auto place = std::find(group->m_tags.begin(), group->m_tags.end(), removed.name);
+        if (place != group->m_tags.end()) {
+            removed.group = group;
+            removed.place = static_cast<std::size_t>(place - group->m_tags.begin());
+            group->m_tags.erase(place);
+            break;
+        }
     }
-    m_content->tags->remove(name);
+    removed.cases = m_content->tags->take(removed.name);
     ProjectChange change;
-    change.removedTags.push_back(name);
+    change.removedTags.push_back(removed.name);
     announce(change);
+    return removed;
+}
+
+bool Project::restoreTag(const RemovedTag& removed)
+{
+    const std::vector<WeakPtr<TagGroup>>& groups = m_content->tagGroupHandles;
+    const bool isHere = std::find(groups.begin(), groups.end(), removed.group) != groups.end();
+    if (!isHere || hasTag(removed.name)) {
+        return false;
+    }
+    insertAt(removed.group.lock()->m_tags, removed.place, removed.name);
+    m_content->tags->restore(removed.name, removed.number, removed.cases);
+    announce({});
+    return true;
 }
 
 void Project::removeTagGroup(const std::string& name)
 {
-    std::vector<boost::shared_ptr<TagGroup>>& groups = m_content->tagGroups;
-    const auto place = std::find_if(
-        groups.begin(), groups.end(), [&name](const boost::shared_ptr<TagGroup>& group) {
-            return group->name() == name;
-        });
-    if (place == groups.end()) {
+    const auto place = m_content->findGroup(name);
+    if (place == m_content->tagGroups.end()) {
         return;
     }
     ProjectChange change;
-    change.removedTags = (*place)->tags();
-    change.removedTagGroups.emplace_back(*place);
-    for (const std::string& tag : change.removedTags) {
-        m_content->tags->remove(tag);
+    static_cast<void>(takeOut(**place, change));
+    announce(change); // the handles have expired by now
+}
+
+RemovedTagGroup Project::takeTagGroup(const std::string& name)
+{
+    const auto place = m_content->findGroup(name);
+    if (place == m_content->tagGroups.end()) {
+        throw ExceptionBase("There is no tag group \"" + name + "\".");
     }
-    m_content->tagGroupHandles.erase(m_content->tagGroupHandles.begin() + (place - groups.begin()));
-    groups.erase(place);
+    ProjectChange change;
+    RemovedTagGroup removed = takeOut(**place, change);
     announce(change);
+    return removed;
+}
+
+RemovedTagGroup Project::takeOut(TagGroup& group, ProjectChange& change)
+{
+    const auto place = m_content->findGroup(group.name());
+    const auto index = place - m_content->tagGroups.begin();
+    RemovedTagGroup removed;
+    removed.group = *place;
+    removed.place = static_cast<std::size_t>(index);
+    removed.store = m_content->tags;
+    change.removedTagGroups.emplace_back(removed.group);
+    change.removedTags = std::exchange(group.m_tags, {});
+    for (const std::string& tag : change.removedTags) {
+        const TagStore::TagNumber number = m_content->knownTag(tag);
+        removed.tags.push_back(
+            {tag, removed.group, removed.tags.size(), number, m_content->tags->take(tag)});
+    }
+    m_content->tagGroups.erase(place);
+    m_content->tagGroupHandles.erase(m_content->tagGroupHandles.begin() + index);
+    return removed;
+}
+
+bool Project::restoreTagGroup(const RemovedTagGroup& removed)
+{
+    const auto isTaken = [this](const RemovedTag& tag) { return hasTag(tag.name); };
+    if (removed.store.lock() != m_content->tags || !tagGroup(removed.group->name()).isNull()
+        || std::any_of(removed.tags.begin(), removed.tags.end(), isTaken)) {
+        return false;
+    }
+    for (const RemovedTag& tag : removed.tags) {
+        removed.group->m_tags.push_back(tag.name);
+        m_content->tags->restore(tag.name, tag.number, tag.cases);
+    }
+    insertAt(m_content->tagGroupHandles, removed.place, WeakPtr<TagGroup>(removed.group));
+    insertAt(m_content->tagGroups, removed.place, removed.group);
+    announce({});
+    return true;
 }
 
 void Project::setSource(const std::string& name, const std::string& filePath)

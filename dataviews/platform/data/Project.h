@@ -3,6 +3,8 @@
 #include <dataviews/platform/data/AuxFile.h>
 #include <dataviews/platform/data/ProjectChange.h>
 #include <dataviews/platform/data/Record.h>
+#include <dataviews/platform/data/RemovedTag.h>
+#include <dataviews/platform/data/RemovedTagGroup.h>
 #include <dataviews/platform/data/RowBitmap.h>
 #include <dataviews/platform/data/TagGroup.h>
 #include <dataviews/platform/data/Variable.h>
@@ -38,6 +40,21 @@ public:
 
     /// The open study; always there, empty when none is open. Listeners stay connected when studies come and go.
     [[nodiscard]] static Project& project();
+
+    /// Makes another project the open study for its lifetime, to try something out on it that asks for project(), and
+    /// tells nobody. On the GUI thread, without events in between; nests.
+    class DATAVIEWS_PLATFORM_DATA_EXPORT Substitute
+    {
+    public:
+        /// \p project outlives this object.
+        explicit Substitute(Project& project);
+        Substitute(const Substitute&) = delete;
+        Substitute& operator=(const Substitute&) = delete;
+        ~Substitute();
+
+    private:
+        Project* m_former;
+    };
 
     /// Takes the content of \p study, which is left empty, in place of its own; then tells listeners. Handles of the
     /// former content have expired by then.
@@ -101,13 +118,25 @@ public:
     /// The tags of the case in \p row, sorted.
     [[nodiscard]] std::vector<std::string> caseTags(std::size_t row) const;
 
+    /// How many files carry \p tag themselves; none for an unknown tag. In constant time.
+    [[nodiscard]] std::size_t taggedAuxFileCount(const std::string& tag) const;
+
+    /// The files that carry \p tag themselves, by rows and in the order of adding; none for an unknown tag.
+    [[nodiscard]] std::vector<boost::shared_ptr<AuxFile>> taggedAuxFiles(
+        const std::string& tag) const;
+
+    /// Throws what addTagGroup() and addTag() throw for a \p name that none can have: an empty one, one that is not
+    /// UTF-8, and one with a control character other than a line break or with U+FFFE or U+FFFF. \p kind, as in "tag",
+    /// is for the sentence.
+    /// \throws ExceptionBase
+    static void checkTagName(const std::string& name, const std::string& kind);
+
     /// Adds an empty group behind the others.
-    /// \throws ExceptionBase if the name is empty, taken, or holds a control character other than a line break.
+    /// \throws ExceptionBase if checkTagName() refuses the name or it is taken.
     WeakPtr<TagGroup> addTagGroup(const std::string& name);
 
     /// Adds \p tag to the group called \p group. A tag belongs to one group.
-    /// \throws ExceptionBase if there is no such group, or the name is empty, taken, or holds a control character
-    /// other than a line break.
+    /// \throws ExceptionBase if there is no such group, or checkTagName() refuses the name or it is taken.
     void addTag(const std::string& group, const std::string& tag);
 
     /// Puts \p tag on the cases in \p rows, or takes it off them; other cases stay as they are.
@@ -118,11 +147,31 @@ public:
     /// \throws ExceptionBase for an unknown tag.
     void tagAuxFile(AuxFile& file, const std::string& tag, bool carry);
 
+    /// As tagAuxFile() for each of \p files, announced together.
+    void tagAuxFiles(
+        const std::vector<boost::shared_ptr<AuxFile>>& files, const std::string& tag, bool carry);
+
     /// Removes \p tag from its group, all cases and all files; nothing for an unknown tag.
     void removeTag(const std::string& tag);
 
     /// Removes the group called \p name with its tags; nothing for an unknown group.
     void removeTagGroup(const std::string& name);
+
+    /// As removeTag(), for a tag that may come back.
+    /// \throws ExceptionBase for an unknown tag.
+    [[nodiscard]] RemovedTag takeTag(const std::string& tag);
+
+    /// Puts back what takeTag() took: at its place in its group, on the cases and the files that carried it. False, and
+    /// nothing has changed, if its group is not here any more or its name is taken.
+    bool restoreTag(const RemovedTag& removed);
+
+    /// As removeTagGroup(), for a group that may come back; its handles do not expire as long as the result is kept.
+    /// \throws ExceptionBase for an unknown group.
+    [[nodiscard]] RemovedTagGroup takeTagGroup(const std::string& name);
+
+    /// Puts back what takeTagGroup() took: the same group at its place, with its tags as they were. False, and nothing
+    /// has changed, if the group is another study's or a name is taken.
+    bool restoreTagGroup(const RemovedTagGroup& removed);
 
     // ---- for readers: fill in this order, before the project is open
 
@@ -149,6 +198,11 @@ public:
 private:
     struct Content;
 
+    /// Changes what a file carries, telling nobody; whether that is a change.
+    bool setOwnTag(AuxFile& file, TagStore::TagNumber tag, bool carry);
+
+    /// Takes \p group, one of these, out and writes that into \p change.
+    RemovedTagGroup takeOut(TagGroup& group, ProjectChange& change);
     void announce(const ProjectChange& change);
     virtual void signalProjectChangedConnected() const;
 

@@ -16,6 +16,6 @@ struct ProjectChange
     /// Names of tags that are gone, also those of the removed groups.
     std::vector<std::string> removedTags;
 
-    /// Handles of tag groups that are gone; they have expired and still compare.
+    /// Handles of tag groups that are gone; they still compare, and have expired unless the group is kept to come back.
     std::vector<WeakPtr<TagGroup>> removedTagGroups;
 };

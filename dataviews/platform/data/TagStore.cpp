@@ -1,5 +1,7 @@
 #include <dataviews/platform/data/TagStore.h>
 
+#include <utility>
+
 TagStore::TagStore(std::size_t caseCount)
     : m_caseCount(caseCount)
 {}
@@ -10,19 +12,30 @@ TagStore::TagNumber TagStore::add(const std::string& name)
     if (isNew) {
         m_names.push_back(name);
         m_cases.emplace_back(m_caseCount);
+        m_fileCounts.push_back(0);
     }
     return place->second;
 }
 
-void TagStore::remove(const std::string& name)
+RowBitmap TagStore::take(const std::string& name)
 {
     const auto place = m_numbers.find(name);
-    if (place == m_numbers.end()) {
-        return;
-    }
     m_names[place->second].clear();
-    m_cases[place->second] = RowBitmap();
+    RowBitmap cases = std::exchange(m_cases[place->second], RowBitmap());
     m_numbers.erase(place);
+    return cases;
+}
+
+void TagStore::restore(const std::string& name, TagNumber tag, RowBitmap cases)
+{
+    m_numbers.emplace(name, tag);
+    m_names[tag] = name;
+    m_cases[tag] = std::move(cases);
+}
+
+void TagStore::countFile(TagNumber tag, bool carry)
+{
+    m_fileCounts[tag] += carry ? 1 : std::size_t(-1);
 }
 
 std::optional<TagStore::TagNumber> TagStore::find(const std::string& name) const

@@ -23,7 +23,12 @@ public:
 
     /// The number of the tag \p name, which is new or there already.
     TagNumber add(const std::string& name);
-    void remove(const std::string& name);
+
+    /// Forgets the tag \p name, which must be there, and gives its cases; files keep its number.
+    RowBitmap take(const std::string& name);
+
+    /// Puts a tag back that was taken: \p name, which is free, gets its \p tag number and \p cases again.
+    void restore(const std::string& name, TagNumber tag, RowBitmap cases);
 
     [[nodiscard]] std::optional<TagNumber> find(const std::string& name) const;
 
@@ -35,6 +40,12 @@ public:
 
     [[nodiscard]] RowBitmap& cases(TagNumber tag) { return m_cases[tag]; }
 
+    /// How many files carry tag \p tag themselves; stays as it is while the tag is removed.
+    [[nodiscard]] std::size_t fileCount(TagNumber tag) const { return m_fileCounts[tag]; }
+
+    /// A file got tag \p tag, or lost it.
+    void countFile(TagNumber tag, bool carry);
+
     /// How many numbers were given, those of removed tags included.
     [[nodiscard]] TagNumber size() const { return static_cast<TagNumber>(m_names.size()); }
 
@@ -42,5 +53,6 @@ private:
     std::size_t m_caseCount;
     std::vector<std::string> m_names;
     std::vector<RowBitmap> m_cases;
+    std::vector<std::size_t> m_fileCounts;
     std::unordered_map<std::string, TagNumber> m_numbers;
 };

@@ -62,6 +62,8 @@ TEST(CaseSetTextTest, RefusesWhatIsNoSetOfThoseCases)
           "+1",
           "99999999999999999999",
           "base64:!!!!",
+          "base64:A",
+          "base64:AQI",
           "base64:AAg="}) {
         EXPECT_THROW(static_cast<void>(analyzer::parseCaseSet(text, 10)), analyzer::SessionError)
             << text;

@@ -57,6 +57,17 @@ TEST(SessionXmlTest, RefusesWhatNoSessionHoldsBeforeItCosts)
         {"very deep", nested(200000), "nested"},
         {"long tag", "<a b=\"" + longText + "\"/>", "too long"},
         {"open tag", "<a>" + longText + "<b " + longText, "too long"},
+        {"long tag with a bracket", "<a c=\">\" b='" + longText + "'/>", "too long"},
+        {"long tag behind comments",
+         "<a><!-- <b \" --><!-- it's --><b c=\">\" b='" + longText + "'/></a>",
+         "too long"},
+        {"many attributes", "<a b=\">\" " + QByteArray("x='' ").repeated(300) + "/>", "attributes"},
+        {"other encoding", "<?xml version=\"1.0\" encoding=\"IBM037\"?><a/>", "UTF-8"},
+        {"UTF-16", QByteArray("\xff\xfe<\0a\0/\0>\0", 10), "NUL"},
+        {"document type behind a comment", "<!-- > --><!DOCTYPE a><a/>", "document type"},
+        {"CDATA", "<a><![CDATA[x]]></a>", "CDATA"},
+        {"instruction", "<a/><?b c?>", "instruction"},
+        {"text between elements", "<a><b/> x</a>", "none belongs"},
         {"large", QByteArray(analyzer::largestSession + 1, ' '), "larger"},
     };
 

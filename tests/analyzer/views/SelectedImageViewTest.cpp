@@ -1,5 +1,8 @@
 #include <analyzer/views/CaseValuesTable.h>
 #include <analyzer/views/ImageCanvas.h>
+#include <analyzer/views/ImageCanvasCaption.h>
+#include <analyzer/views/ImageCanvasZoomBar.h>
+#include <analyzer/views/SelectedImageGrid.h>
 #include <analyzer/views/SelectedImageView.h>
 #include <analyzer/views/SelectedImageWidget.h>
 
@@ -9,20 +12,27 @@
 #include <dataviews/platform/data/Project.h>
 #include <dataviews/platform/pipeline/DataPipelineManager.h>
 #include <dataviews/platform/pipeline/RangeFilter.h>
+#include <dataviews/platform/property/InvalidPropertyValueException.h>
 #include <dataviews/platform/selection/SelectionModel.h>
+#include <dataviews/platform/serialize/SerializerInterface.h>
 #include <dataviews/platform/undo/UndoStack.h>
 
 #include <QApplication>
 #include <QClipboard>
 #include <QContextMenuEvent>
+#include <QDomDocument>
 #include <QEventLoop>
 #include <QFile>
+#include <QScrollBar>
 #include <QSemaphore>
+#include <QSplitter>
 #include <QTemporaryDir>
 #include <QTest>
+#include <QTextStream>
 #include <QThreadPool>
 #include <QTimer>
 #include <QToolButton>
+#include <QWheelEvent>
 
 #include <vtkDoubleArray.h>
 #include <vtkNew.h>
@@ -77,6 +87,7 @@ protected:
     {
         ASSERT_TRUE(m_folder.isValid());
         m_project.setCaseCount(5);
+        m_project.setSource("study", path("data.csv").toStdString());
         vtkNew<vtkDoubleArray> speed;
         vtkNew<vtkStringArray> note;
         speed->SetName("Speed");
@@ -137,7 +148,10 @@ protected:
 
     [[nodiscard]] SelectedImageWidget& widget() const { return m_view->imageWidget(); }
 
-    [[nodiscard]] ImageCanvas& canvas() const { return widget().canvas(); }
+    [[nodiscard]] ImageCanvas& canvas(std::size_t cell = 0) const
+    {
+        return widget().grid().canvas(cell);
+    }
 
     void settle()
     {
@@ -145,11 +159,13 @@ protected:
         QTimer deadline;
         deadline.setSingleShot(true);
         QObject::connect(&deadline, &QTimer::timeout, &loop, &QEventLoop::quit);
-        QObject::connect(&canvas(), &ImageCanvas::zoomChanged, &loop, [&] {
-            if (!m_view->isLoading()) {
-                loop.quit();
-            }
-        });
+        for (const ImageCanvas* shown : widget().grid().canvases()) {
+            QObject::connect(shown, &ImageCanvas::zoomChanged, &loop, [&] {
+                if (!m_view->isLoading()) {
+                    loop.quit();
+                }
+            });
+        }
         deadline.start(deadlineMs);
         if (m_view->isLoading()) {
             loop.exec();
@@ -165,6 +181,77 @@ protected:
             return canvas().message().section(QLatin1Char('\n'), 0, 0).toStdString();
         }
         return (widget().fileText() + QStringLiteral(", ") + widget().placeText()).toStdString();
+    }
+
+    /// The colors in the middle of the cells, those that are not shown left out.
+    std::vector<QColor> colors()
+    {
+        settle();
+        std::vector<QColor> result;
+        for (std::size_t i = 0; i < widget().grid().usedCount(); ++i) {
+            const QImage picture = canvas(i).grab().toImage();
+            result.push_back(picture.pixelColor(picture.rect().center()));
+        }
+        return result;
+    }
+
+    [[nodiscard]] SettingInterface& setting(const std::string& name) const
+    {
+        for (const boost::shared_ptr<SettingInterface>& candidate : m_view->settings()) {
+            if (candidate->name() == name) {
+                return *candidate;
+            }
+        }
+        throw ExceptionBase("There is no setting " + name + ".");
+    }
+
+    /// What a session keeps of the view.
+    [[nodiscard]] QString state() const
+    {
+        QDomDocument document;
+        QDomElement parent = document.createElement(QStringLiteral("Views"));
+        m_view->serializer().serialize(parent);
+        QString text;
+        QTextStream stream(&text);
+        parent.save(stream, 1);
+        return text;
+    }
+
+    void read(const QString& text)
+    {
+        QDomDocument document;
+        ASSERT_TRUE(document.setContent(text));
+        const UndoStack::SuspendUndoRecording noRecording;
+        m_view->serializer().deserialize(document.documentElement());
+    }
+
+    static void drag(QWidget& target, const QPoint& from, const QPoint& to)
+    {
+        QTest::mousePress(&target, Qt::LeftButton, {}, from);
+        QMouseEvent event(
+            QEvent::MouseMove,
+            to,
+            target.mapToGlobal(to),
+            Qt::NoButton,
+            Qt::LeftButton,
+            Qt::NoModifier);
+        QCoreApplication::sendEvent(&target, &event);
+        QTest::mouseRelease(&target, Qt::LeftButton, {}, to);
+    }
+
+    void wheel(ImageCanvas& target, int angle, Qt::KeyboardModifiers keys = Qt::ControlModifier)
+    {
+        const QPointF middle = QRectF(target.rect()).center();
+        QWheelEvent event(
+            middle,
+            target.mapToGlobal(middle.toPoint()),
+            QPoint(),
+            QPoint(0, angle),
+            Qt::NoButton,
+            keys,
+            Qt::NoScrollPhase,
+            false);
+        QCoreApplication::sendEvent(&target, &event);
     }
 
     void press(Qt::Key key) { QTest::keyClick(&canvas(), key); }
@@ -364,7 +451,7 @@ TEST_F(SelectedImageViewTest, ShowsTheValuesOfTheCaseAndCopiesThem)
     EXPECT_EQ(text(1), "Tags=mesh");
 }
 
-TEST_F(SelectedImageViewTest, FittingIsASettingThatZoomingLeavesWithoutAnUndoStep)
+TEST_F(SelectedImageViewTest, FittingIsASettingThatZoomingEndsUntilItIsUndone)
 {
     m_master->setSelection({2});
     settle();
@@ -375,18 +462,186 @@ TEST_F(SelectedImageViewTest, FittingIsASettingThatZoomingLeavesWithoutAnUndoSte
     EXPECT_EQ(canvas().scale(), 1.0);
     UndoStack::history().undo();
     EXPECT_TRUE(canvas().isFitting());
-    EXPECT_TRUE(widget().fitButton().isChecked());
+    EXPECT_TRUE(widget().zoomBar().fitButton().isChecked());
 
-    const int steps = UndoStack::history().index();
     press(Qt::Key_Plus);
     EXPECT_EQ(fit.text(), "off");
     EXPECT_GT(canvas().scale(), 1.0);
-    EXPECT_EQ(UndoStack::history().index(), steps);
-    press(Qt::Key_1);
-    EXPECT_EQ(canvas().scale(), 1.0);
-    QTest::mouseClick(&widget().fitButton(), Qt::LeftButton);
+    press(Qt::Key_Plus);
+    UndoStack::history().undo(); // both steps
     EXPECT_EQ(fit.text(), "on");
     EXPECT_TRUE(canvas().isFitting());
+    UndoStack::history().redo();
+    EXPECT_EQ(fit.text(), "off");
+    press(Qt::Key_1);
+    EXPECT_EQ(canvas().scale(), 1.0);
+    QTest::mouseClick(&widget().zoomBar().fitButton(), Qt::LeftButton);
+    EXPECT_EQ(fit.text(), "on");
+    EXPECT_TRUE(canvas().isFitting());
+}
+
+TEST_F(SelectedImageViewTest, ShowsSeveralImagesSideBySidePageByPage)
+{
+    m_master->setSelection({5, 1, 2, 3});
+    const auto images = [this](const char* count) {
+        return [this, count] { setting("images").setText(count); };
+    };
+    const auto key = [this](Qt::Key code) { return [this, code] { press(code); }; };
+    const QColor red(Qt::red);
+    const QColor green(Qt::green);
+    const QColor blue(Qt::blue);
+    const QColor yellow(Qt::yellow);
+
+    const struct
+    {
+        std::function<void()> step;
+        const char* shown;
+        std::vector<QColor> colors;
+    } walk[] = {
+        {images("2"), "red.png (mesh), 1 to 2 of 4", {red, green}},
+        {key(Qt::Key_Right), "blue.png, 3 to 4 of 4", {blue, yellow}},
+        {key(Qt::Key_Right), "blue.png, 3 to 4 of 4", {blue, yellow}},
+        {images("3"), "blue.png, 1 to 3 of 4", {red, green, blue}}, // the current image stays
+        {key(Qt::Key_End), "yellow.png, 4 of 4", {yellow}},
+        {key(Qt::Key_Left), "red.png (mesh), 1 to 3 of 4", {red, green, blue}},
+        {images("9"), "red.png (mesh), 1 to 4 of 4", {red, green, blue, yellow}},
+        {[this] {
+             m_master->setSelection({3, 5});
+         },
+         "blue.png, 1 to 2 of 2",
+         {blue, yellow}},
+        {[] { UndoStack::history().undo(); }, "blue.png, 1 to 2 of 2", {blue, yellow}},
+        {images("1"), "blue.png, 1 of 2", {blue}}};
+
+    for (const auto& [step, expected, colorsOfCells] : walk) {
+        SCOPED_TRACE(expected);
+        step();
+        EXPECT_EQ(shown(), expected);
+        EXPECT_EQ(colors(), colorsOfCells);
+    }
+    EXPECT_THROW(m_view->imagesAtOnce()->setValue(5), corvane::InvalidPropertyValueException);
+    EXPECT_THROW(setting("images").setText("0"), ExceptionBase);
+}
+
+TEST_F(SelectedImageViewTest, ClickMakesAnImageTheCurrentOneAndCaptionsTellThemApart)
+{
+    m_master->setSelection({2, 3});
+    setting("images").setText("4");
+    settle();
+    EXPECT_EQ(widget().grid().caption(0).text(), QStringLiteral("Case 2: red.png (mesh)"));
+    EXPECT_EQ(widget().grid().caption(2).text(), QStringLiteral("Case 3: blue.png"));
+    EXPECT_TRUE(widget().grid().caption(0).isCurrent());
+
+    QTest::mouseClick(&canvas(2), Qt::LeftButton);
+    EXPECT_TRUE(widget().grid().caption(2).isCurrent());
+    EXPECT_FALSE(widget().grid().caption(0).isCurrent());
+    EXPECT_EQ(shown(), "blue.png, 1 to 3 of 3");
+    EXPECT_EQ(widget().values().item(0, 1)->text(), QStringLiteral("3"));
+    EXPECT_EQ(m_view->title(), "blue.png");
+    m_master->setSelection({3, 5});
+    EXPECT_EQ(shown(), "blue.png, 1 to 2 of 2");
+    EXPECT_TRUE(widget().grid().caption(0).isCurrent());
+
+    m_hovered->setCaseID(5);
+    EXPECT_FALSE(canvas(0).isOutlined());
+    EXPECT_TRUE(canvas(1).isOutlined());
+}
+
+TEST_F(SelectedImageViewTest, SeveralImagesHaveMostOfTheRoomUnlessTheUserWantsItOtherwise)
+{
+    m_master->setSelection({2, 3});
+    settle();
+    const auto part = [this] {
+        const QList<int> sizes = widget().splitter().sizes();
+        return static_cast<double>(sizes[1]) / (sizes[0] + sizes[1]);
+    };
+    EXPECT_GT(part(), 0.5); // the window is small, and one picture leaves the values their width
+    setting("images").setText("4");
+    EXPECT_NEAR(part(), 1.0 / 3.0, 0.01);
+
+    widget().setValuesShare(0.25);
+    widget().resize(900, 300);
+    EXPECT_NEAR(part(), 0.25, 0.01);
+    setting("images").setText("1");
+    EXPECT_NEAR(part(), 0.25, 0.01);
+}
+
+TEST_F(SelectedImageViewTest, BadFileAmongSeveralTakesOnlyItsOwnPlace)
+{
+    m_master->setSelection({3, 4, 5});
+    setting("images").setText("4");
+    settle();
+
+    EXPECT_TRUE(canvas(0).hasPicture());
+    EXPECT_TRUE(canvas(1).message().contains(QStringLiteral("Not shown: ")));
+    EXPECT_TRUE(canvas(2).hasPicture());
+    EXPECT_FALSE(canvas(1).hasPicture());
+}
+
+TEST_F(SelectedImageViewTest, StateIsWrittenAsItWasRead)
+{
+    m_master->setSelection({2, 3, 5});
+    setting("images").setText("3");
+    press(Qt::Key_End);
+    settle();
+    wheel(canvas(), 360);
+    drag(canvas(), {50, 50}, {37, 41});
+    widget().resize(600, 120);
+    drag(*widget().splitter().handle(1), {1, 5}, {-32, 5});
+    widget().values().setColumnWidth(0, 77);
+    widget().values().verticalScrollBar()->setValue(2);
+    const QString written = state();
+    ASSERT_TRUE(written.contains(QStringLiteral("File=\"yellow.png\"")));
+    ASSERT_TRUE(written.contains(QStringLiteral("<ValuesRow>2<")));
+    ASSERT_FALSE(written.contains(QStringLiteral("automatic")));
+    const ImageCanvasZoom zoom = canvas().zoom();
+    ASSERT_NE(zoom.centerX, 0.5);
+
+    for (const bool isSelectedFirst : {true, false}) {
+        SCOPED_TRACE(isSelectedFirst);
+        m_view.reset();
+        m_master->setSelection(
+            isSelectedFirst ? std::set<unsigned long long>{2, 3, 5}
+                            : std::set<unsigned long long>{});
+        makeView();
+        read(written);
+        m_master->setSelection({2, 3, 5});
+        EXPECT_EQ(shown(), "yellow.png, 4 of 4");
+        EXPECT_EQ(canvas().zoom(), zoom);
+        EXPECT_EQ(widget().values().columnWidth(0), 77);
+        EXPECT_EQ(state().toStdString(), written.toStdString());
+    }
+}
+
+TEST_F(SelectedImageViewTest, StateWithAnImageThatIsGoneOrWithNonsenseLeavesTheViewAsItIs)
+{
+    m_master->setSelection({2, 3});
+    press(Qt::Key_End);
+    const QString frame = QStringLiteral("<V><SelectedImage>%1</SelectedImage></V>");
+    for (const char* gone :
+         {"<CurrentImage File=\"gone.png\">2</CurrentImage>",
+          "<CurrentImage File=\"red.png\">3</CurrentImage>",
+          "<CurrentImage File=\"red.png\">77</CurrentImage>",
+          "<CurrentImage/>"}) {
+        SCOPED_TRACE(gone);
+        read(frame.arg(gone));
+        EXPECT_EQ(shown(), "blue.png, 3 of 3");
+    }
+    const ImageCanvasZoom zoom = canvas().zoom();
+    for (const char* nonsense :
+         {"<Images>5</Images>",
+          "<Zoom><Scale>0</Scale></Zoom>",
+          "<Zoom><Scale>nan</Scale></Zoom>",
+          "<Zoom><CenterX>1.5</CenterX></Zoom>",
+          "<Zoom><CenterY>-inf</CenterY></Zoom>",
+          "<ValuesShare>2</ValuesShare>",
+          "<NamesWidth>-7</NamesWidth>",
+          "<CurrentImage File=\"red.png\">two</CurrentImage>"}) {
+        SCOPED_TRACE(nonsense);
+        EXPECT_ANY_THROW(read(frame.arg(nonsense)));
+        EXPECT_EQ(shown(), "blue.png, 3 of 3");
+        EXPECT_EQ(canvas().zoom(), zoom);
+    }
 }
 
 TEST_F(SelectedImageViewTest, SuspendedViewStandsStillAndForgetsAStudyThatGoes)
@@ -396,6 +651,9 @@ TEST_F(SelectedImageViewTest, SuspendedViewStandsStillAndForgetsAStudyThatGoes)
 
     m_view->suspend();
     m_master->setSelection({3});
+    m_view->imagesAtOnce()->setValue(2);
+    EXPECT_EQ(shown(), "red.png (mesh), 1 of 2");
+    m_view->showImage(file(3));
     EXPECT_EQ(shown(), "red.png (mesh), 1 of 2");
     m_view->resume();
     EXPECT_EQ(shown(), "blue.png, 1 of 1");

@@ -166,7 +166,17 @@ TEST_F(ProjectTest, RefusesNamesOfTagsAndGroups)
     m_project.addTag("Marks", "good");
     m_changes.clear();
 
-    for (const char* name : {"", "a\tb", "\x7F", "\x01"}) {
+    for (const char* name :
+         {"",
+          "a\tb",
+          "\x7F",
+          "\x01",
+          "Gr\xF6\xDF"
+          "e", // Latin-1
+          "cut \xE2\x82",
+          "surrogate \xED\xA0\x80",
+          "\xEF\xBF\xBE",
+          "\xEF\xBF\xBF"}) {
         EXPECT_THROW(m_project.addTagGroup(name), ExceptionBase) << name;
         EXPECT_THROW(m_project.addTag("Marks", name), ExceptionBase) << name;
     }
@@ -177,9 +187,12 @@ TEST_F(ProjectTest, RefusesNamesOfTagsAndGroups)
     EXPECT_THROW(m_project.addTag("unknown", "bad"), ExceptionBase);
     EXPECT_THAT(m_changes, IsEmpty());
 
-    m_project.addTag("Marks", "two\nlines, Größe");
-    EXPECT_THAT(
-        m_project.tagGroup("Marks").lock()->tags(), ElementsAre("good", "two\nlines, Größe"));
+    const std::vector<std::string> names = {"two\nlines, Größe", "\xEF\xBB\xBFmarked", "😀"};
+    for (const std::string& name : names) {
+        m_project.addTagGroup(name);
+        m_project.addTag(name, name);
+        EXPECT_THAT(m_project.tagGroup(name).lock()->tags(), ElementsAre(name));
+    }
     EXPECT_TRUE(m_project.tagGroup("unknown").isNull());
 }
 
@@ -229,6 +242,83 @@ TEST_F(ProjectTest, RemovingAGroupAnnouncesItsTagsAndItsHandle)
     EXPECT_THAT(m_project.tagGroups(), ElementsAre(images));
     EXPECT_FALSE(m_project.hasTag("bad"));
     EXPECT_TRUE(m_project.hasTag("pressure"));
+}
+
+TEST_F(ProjectTest, TagThatWasTakenComesBackAsItWas)
+{
+    m_project.setCaseCount(70);
+    const auto file = m_project.addAuxFile(1, "/a.png");
+    const auto other = m_project.addAuxFile(2, "/b.png");
+    const WeakPtr<TagGroup> group = m_project.addTagGroup("Marks");
+    for (const char* tag : {"best", "good", "bad"}) {
+        m_project.addTag("Marks", tag);
+    }
+    m_project.tagCases("good", rows(70, {1, 69}), true);
+    m_project.tagAuxFiles({file, other}, "good", true);
+    m_changes.clear();
+
+    const RemovedTag removed = m_project.takeTag(group.lock()->tags()[1]);
+    ASSERT_EQ(m_changes.size(), 1U);
+    EXPECT_THAT(m_changes[0].removedTags, ElementsAre("good"));
+    EXPECT_THAT(group.lock()->tags(), ElementsAre("best", "bad"));
+    EXPECT_EQ(m_project.taggedAuxFileCount("good"), 0U);
+    EXPECT_FALSE(file->hasTag("good"));
+
+    EXPECT_TRUE(m_project.restoreTag(removed));
+    EXPECT_EQ(m_changes.size(), 2U);
+    EXPECT_THAT(group.lock()->tags(), ElementsAre("best", "good", "bad"));
+    EXPECT_EQ(m_project.taggedCases("good"), rows(70, {1, 69}));
+    EXPECT_TRUE(file->hasOwnTag("good"));
+    EXPECT_THAT(m_project.taggedAuxFiles("good"), ElementsAre(file, other));
+
+    EXPECT_FALSE(m_project.restoreTag(removed)) << "It is there.";
+    m_project.removeTag("good");
+    m_project.addTag("Marks", "good");
+    EXPECT_FALSE(m_project.restoreTag(removed)) << "Its name is taken.";
+    EXPECT_EQ(m_project.taggedAuxFileCount("good"), 0U);
+    m_project.removeTagGroup("Marks");
+    m_project.addTagGroup("Marks");
+    EXPECT_FALSE(m_project.restoreTag(removed)) << "Its group is another one.";
+    EXPECT_THROW(static_cast<void>(m_project.takeTag("good")), ExceptionBase);
+}
+
+TEST_F(ProjectTest, GroupThatWasTakenComesBackAsTheSameObject)
+{
+    m_project.setCaseCount(2);
+    const auto file = m_project.addAuxFile(1, "/a.png");
+    const WeakPtr<TagGroup> first = m_project.addTagGroup("First");
+    const WeakPtr<TagGroup> marks = m_project.addTagGroup("Marks");
+    const WeakPtr<TagGroup> last = m_project.addTagGroup("Last");
+    m_project.addTag("Marks", "good");
+    m_project.addTag("Marks", "bad");
+    m_project.tagCases("bad", rows(2, {1}), true);
+    m_project.tagAuxFile(*file, "good", true);
+    m_changes.clear();
+
+    const RemovedTagGroup removed = m_project.takeTagGroup(marks.lock()->name());
+    ASSERT_EQ(m_changes.size(), 1U);
+    EXPECT_THAT(m_changes[0].removedTags, ElementsAre("good", "bad"));
+    EXPECT_THAT(m_changes[0].removedTagGroups, ElementsAre(marks));
+    EXPECT_THAT(m_project.tagGroups(), ElementsAre(first, last));
+    EXPECT_THAT(marks.lock()->tags(), IsEmpty()) << "Who still holds it shows no tags of it.";
+    EXPECT_FALSE(file->hasTag("good"));
+
+    EXPECT_TRUE(m_project.restoreTagGroup(removed));
+    EXPECT_EQ(m_changes.size(), 2U);
+    EXPECT_THAT(m_project.tagGroups(), ElementsAre(first, marks, last));
+    EXPECT_EQ(m_project.tagGroup("Marks"), marks);
+    EXPECT_THAT(marks.lock()->tags(), ElementsAre("good", "bad"));
+    EXPECT_EQ(m_project.taggedCases("bad"), rows(2, {1}));
+    EXPECT_TRUE(file->hasOwnTag("good"));
+
+    EXPECT_FALSE(m_project.restoreTagGroup(removed)) << "It is there.";
+    m_project.removeTagGroup("Marks");
+    m_project.addTag("Last", "bad");
+    EXPECT_FALSE(m_project.restoreTagGroup(removed)) << "The name of a tag is taken.";
+    EXPECT_FALSE(m_project.hasTag("good"));
+    Project other;
+    EXPECT_FALSE(other.restoreTagGroup(removed)) << "It is another study's.";
+    EXPECT_THROW(static_cast<void>(m_project.takeTagGroup("Marks")), ExceptionBase);
 }
 
 TEST_F(ProjectTest, AddingAndTaggingAreAnnouncedWithoutRemovals)

@@ -1,0 +1,134 @@
+#include <analyzer/export/exportPicture.h>
+#include <analyzer/export/filtersInWords.h>
+#include <analyzer/export/makeReport.h>
+#include <analyzer/filters/FilterList.h>
+#include <analyzer/study/sentenceText.h>
+#include <analyzer/views/AnalyzerViewInterface.h>
+#include <analyzer/views/countText.h>
+
+#include <dataviews/platform/data/Project.h>
+#include <dataviews/platform/data/variantDisplayText.h>
+#include <dataviews/platform/pipeline/DataPipelineManager.h>
+
+#include <QFileInfo>
+#include <QWidget>
+
+#include <algorithm>
+#include <map>
+#include <optional>
+
+namespace analyzer {
+
+namespace {
+
+constexpr int sharpness = 2; ///< pixels of a picture per pixel of the screen
+
+Report::Picture pictureOfView(AnalyzerViewInterface& view)
+{
+    const QWidget& widget = view.widget();
+    const QSize size = widget.size();
+    // Of a view that is very large on the screen there is no larger picture.
+    const int scale =
+        std::max(size.width(), size.height()) * sharpness <= largestPictureSide ? sharpness : 1;
+    PictureOptions options;
+    options.dpi = widget.logicalDpiX() * scale;
+    Report::Picture picture;
+    picture.title = oneLine(view.title());
+    picture.note = leftOutInWords(view);
+    picture.png = pictureBytes(view, PictureFormat::Png, options);
+    picture.size = size;
+    return picture;
+}
+
+std::vector<Report::Tag> tagsOf(const Project& project)
+{
+    std::map<std::string, std::size_t> images;
+    for (std::size_t row = 0; row < project.caseCount(); ++row) {
+        for (const boost::shared_ptr<AuxFile>& file : project.auxFiles(row)) {
+            for (const std::string& tag : file->ownTags()) {
+                ++images[tag];
+            }
+        }
+    }
+    std::vector<Report::Tag> tags;
+    for (const WeakPtr<TagGroup>& handle : project.tagGroups()) {
+        const boost::shared_ptr<TagGroup> group = handle.lock();
+        for (const std::string& tag : group->tags()) {
+            const auto found = images.find(tag);
+            tags.push_back(
+                {group->name(),
+                 tag,
+                 project.taggedCases(tag).count(),
+                 found == images.end() ? 0 : found->second});
+        }
+    }
+    return tags;
+}
+
+void addSelectedCases(
+    Report& report, const Project& project, const std::set<unsigned long long>& selection)
+{
+    std::vector<boost::shared_ptr<Variable>> variables{project.caseIDVariable().lock()};
+    for (const WeakPtr<Variable>& variable : project.variables()) {
+        variables.push_back(variable.lock());
+    }
+    for (const boost::shared_ptr<Variable>& variable : variables) {
+        report.columns.push_back({variable->name(), variable->isNumeric()});
+    }
+    for (const unsigned long long caseID : selection) {
+        const std::optional<std::size_t> row = project.row(caseID);
+        if (!row) {
+            continue;
+        }
+        ++report.selectedCount;
+        if (report.rows.size() == mostReportRows) {
+            ++report.leftOutRowCount;
+            continue;
+        }
+        Report::Row& cells = report.rows.emplace_back();
+        for (const boost::shared_ptr<Variable>& variable : variables) {
+            const Variant value = variable->value(*row);
+            cells.push_back(
+                value.isEmpty() ? std::nullopt : std::make_optional(variantDisplayText(value)));
+        }
+    }
+}
+
+} // namespace
+
+std::string leftOutInWords(const AnalyzerViewInterface& view)
+{
+    std::size_t all = 0;
+    std::string reasons;
+    for (const LeftOutCases& cases : view.leftOut()) {
+        all += cases.count;
+        reasons += (reasons.empty() ? "" : ", ") + countText(cases.count).toStdString() + ' '
+            + oneLine(cases.reason);
+    }
+    return all == 0 ? std::string() : countText(all).toStdString() + " not drawn: " + reasons;
+}
+
+Report makeReport(
+    const Project& project,
+    const FilterList& filters,
+    const std::vector<AnalyzerViewInterface*>& views,
+    const std::set<unsigned long long>& selection,
+    const std::string& date)
+{
+    Report report;
+    report.title = oneLine(project.name());
+    report.fileName =
+        QFileInfo(QString::fromStdString(project.filePath())).fileName().toStdString();
+    report.date = date;
+    report.caseCount = project.caseCount();
+    report.shownCount = filters.pipeline().passingCount();
+    report.filters = filtersInWords(filters);
+    report.tags = tagsOf(project);
+    addSelectedCases(report, project, selection);
+    for (AnalyzerViewInterface* view : views) {
+        report.pictures.push_back(pictureOfView(*view));
+    }
+    return report;
+}
+
+} // namespace analyzer

@@ -1,0 +1,34 @@
+#pragma once
+
+#include <analyzer/export/Report.h>
+
+#include <set>
+#include <string>
+#include <vector>
+
+class Project;
+
+namespace analyzer {
+
+class AnalyzerViewInterface;
+class FilterList;
+
+/// So many selected cases a report lists.
+constexpr std::size_t mostReportRows = 1000;
+
+/// What is to be said of \p project with \p filters over it, \p views with their pictures, and the cases whose IDs are
+/// \p selection; \p date is as it shall be read.
+///
+/// Pictures have twice the resolution of the screen. The views stay as they are; see pictureOf().
+/// \throws ExceptionBase as pictureOf() does.
+[[nodiscard]] Report makeReport(
+    const Project& project,
+    const FilterList& filters,
+    const std::vector<AnalyzerViewInterface*>& views,
+    const std::set<unsigned long long>& selection,
+    const std::string& date);
+
+/// What \p view leaves out, in a line: "37 not drawn: 31 without Drag, 6 filtered"; empty if nothing.
+[[nodiscard]] std::string leftOutInWords(const AnalyzerViewInterface& view);
+
+} // namespace analyzer

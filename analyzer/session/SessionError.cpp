@@ -1,0 +1,10 @@
+#include <analyzer/session/SessionError.h>
+#include <analyzer/session/sentence.h>
+
+namespace analyzer {
+
+SessionError::SessionError(const std::string& message)
+    : ExceptionBase(sentence(QString::fromStdString(message)).toStdString())
+{}
+
+} // namespace analyzer

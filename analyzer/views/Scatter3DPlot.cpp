@@ -1,0 +1,232 @@
+#include <analyzer/views/Scatter3DPlot.h>
+
+#include <vtkBrush.h>
+#include <vtkContext2D.h>
+#include <vtkContextDevice2D.h>
+#include <vtkDataArray.h>
+#include <vtkIdTypeArray.h>
+#include <vtkNew.h>
+#include <vtkObjectFactory.h>
+#include <vtkPen.h>
+#include <vtkPoints2D.h>
+#include <vtkScalarsToColors.h>
+#include <vtkTable.h>
+#include <vtkTransform2D.h>
+#include <vtkUnsignedCharArray.h>
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <cstring>
+#include <utility>
+#include <vector>
+
+namespace analyzer {
+
+namespace {
+
+constexpr std::size_t coarseCount = 200000; ///< points that are painted in passing
+constexpr std::size_t channelCount = 4;
+constexpr vtkIdType manySelected = 20000;
+
+std::array<int, 4> pixels(const vtkRectf& rect)
+{
+    return {
+        static_cast<int>(std::floor(rect.GetX())),
+        static_cast<int>(std::floor(rect.GetY())),
+        static_cast<int>(std::ceil(rect.GetWidth())),
+        static_cast<int>(std::ceil(rect.GetHeight()))};
+}
+
+} // namespace
+
+vtkStandardNewMacro(Scatter3DPlot)
+
+    Scatter3DPlot::Scatter3DPlot()
+{
+    Points = vtkPoints2D::New(); // the base's to delete
+}
+
+Scatter3DPlot::~Scatter3DPlot() = default;
+
+void Scatter3DPlot::setPoints(Chart3DBox::Axes axes, Scatter3DPoints::Columns columns)
+{
+    m_box.setAxes(std::move(axes));
+    m_points.setColumns(std::move(columns));
+}
+
+void Scatter3DPlot::setView(const Chart3DCamera& camera, const vtkRectf& area)
+{
+    m_projection = Chart3DProjection(camera, area, m_box.margin());
+}
+
+void Scatter3DPlot::Update()
+{
+    // Not the base's, which would make points of two columns.
+    if (GetVisible()) {
+        mapColors();
+    }
+}
+
+bool Scatter3DPlot::Paint(vtkContext2D* painter)
+{
+    if (!GetVisible()) {
+        return false;
+    }
+    m_points.project(m_projection, stride(), GetMarkerSize());
+    Points->SetNumberOfPoints(static_cast<vtkIdType>(m_points.count()));
+    if (m_points.count() > 0) {
+        std::memcpy(
+            Points->GetVoidPointer(0),
+            m_points.places().data(),
+            m_points.places().size() * sizeof(float));
+    }
+
+    // The chart has set both for points within its axes.
+    const vtkNew<vtkTransform2D> identity;
+    painter->PushMatrix();
+    painter->SetTransform(identity);
+    std::array<int, 4> clip = pixels(m_projection.area());
+    painter->GetDevice()->SetClipping(clip.data());
+    m_box.paint(*painter, m_projection);
+
+    const vtkSmartPointer<vtkIdTypeArray> all = Selection;
+    const vtkSmartPointer<vtkIdTypeArray> visible = visibleSelection();
+    Selection = visible;
+    const bool isPainted = RingedPlot<vtkPlotPoints>::Paint(painter);
+    Selection = all;
+    painter->PopMatrix();
+    return isPainted;
+}
+
+void Scatter3DPlot::GetBounds(double bounds[4])
+{
+    bounds[0] = 0.0;
+    bounds[1] = 1.0;
+    bounds[2] = 0.0;
+    bounds[3] = 1.0;
+}
+
+bool Scatter3DPlot::Hit(const vtkContextMouseEvent& /*mouse*/)
+{
+    return false;
+}
+
+bool Scatter3DPlot::paintUnmarked(vtkContext2D* painter)
+{
+    drawPicture();
+    if (m_points.drawOrder().empty()) {
+        return true;
+    }
+    const vtkRectf& area = m_projection.area();
+    painter->DrawImage(area.GetX(), area.GetY(), &m_picture.image());
+    return true;
+}
+
+void Scatter3DPlot::mapColors()
+{
+    vtkTable* table = GetInput();
+    vtkDataArray* column = table == nullptr || ScalarVisibility == 0
+        ? nullptr
+        : vtkDataArray::SafeDownCast(table->GetColumnByName(ColorArrayName.c_str()));
+    if (column == nullptr) {
+        if (Colors != nullptr) {
+            std::exchange(Colors, nullptr)->UnRegister(this);
+        }
+        m_colorsFrom = 0;
+        return;
+    }
+    if (LookupTable == nullptr) {
+        CreateDefaultLookupTable();
+    }
+    // Times are never given twice, so that the latest tells all of them.
+    const vtkMTimeType from =
+        std::max({table->GetMTime(), column->GetMTime(), LookupTable->GetMTime()});
+    if (Colors != nullptr && from == m_colorsFrom) {
+        return;
+    }
+    if (Colors != nullptr) {
+        Colors->UnRegister(this);
+    }
+    Colors = LookupTable->MapScalars(column, VTK_COLOR_MODE_MAP_SCALARS, -1);
+    Colors->Register(this);
+    Colors->Delete();
+    m_colorsFrom = from;
+}
+
+void Scatter3DPlot::drawPicture()
+{
+    const bool isColored = ScalarVisibility != 0 && Colors != nullptr
+        && Colors->GetNumberOfComponents() == static_cast<int>(channelCount)
+        && Colors->GetNumberOfTuples() == static_cast<vtkIdType>(m_points.count());
+    Drawn wanted;
+    wanted.points = m_points.version();
+    wanted.colors = isColored ? m_colorsFrom : 0;
+    Pen->GetColor(wanted.plain.data());
+    wanted.plain[3] = Pen->GetOpacity();
+    wanted.size = GetMarkerSize();
+    const std::array<int, 4> area = pixels(m_projection.area());
+    wanted.pixels = {area[2], area[3]};
+    if (isSame(wanted, m_drawn)) {
+        return;
+    }
+    m_drawn = wanted;
+    m_picture.draw(
+        {m_points.places().data(),
+         m_points.drawOrder(),
+         isColored ? Colors->GetPointer(0) : nullptr,
+         wanted.plain},
+        wanted.size,
+        area[2],
+        area[3]);
+}
+
+bool Scatter3DPlot::isSame(const Drawn& left, const Drawn& right)
+{
+    return left.points == right.points && left.colors == right.colors && left.plain == right.plain
+        && left.size == right.size && left.pixels == right.pixels;
+}
+
+std::size_t Scatter3DPlot::stride() const
+{
+    const std::size_t count = m_points.count();
+    return m_isCoarse ? std::max<std::size_t>(1, (count + coarseCount - 1) / coarseCount) : 1;
+}
+
+vtkSmartPointer<vtkIdTypeArray> Scatter3DPlot::visibleSelection() const
+{
+    if (Selection == nullptr || Selection->GetNumberOfValues() <= manySelected) {
+        return Selection;
+    }
+    // Of rings that nearly cover each other, those behind show nothing that the one in front does not.
+    const float cell = std::max(1.0F, MarkerSize / 4.0F);
+    const vtkRectf& area = m_projection.area();
+    const auto columns = static_cast<std::size_t>(area.GetWidth() / cell) + 1;
+    const auto lines = static_cast<std::size_t>(area.GetHeight() / cell) + 1;
+    std::vector<vtkIdType> front(columns * lines, -1);
+    const std::vector<float>& places = m_points.places();
+    for (vtkIdType i = 0; i < Selection->GetNumberOfValues(); ++i) {
+        const vtkIdType row = Selection->GetValue(i);
+        const auto index = static_cast<std::size_t>(row);
+        if (index >= m_points.count()
+            || !m_projection.contains(places[2 * index], places[2 * index + 1])) {
+            continue;
+        }
+        const auto column = static_cast<std::size_t>((places[2 * index] - area.GetX()) / cell);
+        const auto line = static_cast<std::size_t>((places[2 * index + 1] - area.GetY()) / cell);
+        vtkIdType& there = front[line * columns + column];
+        if (there < 0
+            || m_points.nearness()[static_cast<std::size_t>(there)] <= m_points.nearness()[index]) {
+            there = row;
+        }
+    }
+    auto visible = vtkSmartPointer<vtkIdTypeArray>::New();
+    for (const vtkIdType row : front) {
+        if (row >= 0) {
+            visible->InsertNextValue(row);
+        }
+    }
+    return visible;
+}
+
+} // namespace analyzer

@@ -1,0 +1,94 @@
+#pragma once
+
+#include <analyzer/views/Chart3DBox.h>
+#include <analyzer/views/Chart3DProjection.h>
+#include <analyzer/views/Scatter3DPicture.h>
+#include <analyzer/views/Scatter3DPoints.h>
+
+#include <dataviews/common/charts/RingedPlot.h>
+
+#include <vtkPlotPoints.h>
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+
+namespace analyzer {
+
+/// Points in three dimensions, in their box; the selected ones are marked by rings, in front of all others.
+///
+/// A plot of a chart in two dimensions only in that it has the input, the colors and the selection of one: it paints in
+/// pixels of the scene, whatever the axes of its chart. Used on the GUI thread.
+class Scatter3DPlot : public RingedPlot<vtkPlotPoints>
+{
+public:
+    vtkTypeMacro(Scatter3DPlot, vtkPlotPoints)
+
+        static Scatter3DPlot* New();
+
+    Scatter3DPlot(const Scatter3DPlot&) = delete;
+    Scatter3DPlot& operator=(const Scatter3DPlot&) = delete;
+
+    /// The rows of the input are points at \p columns, in the box with \p axes.
+    void setPoints(Chart3DBox::Axes axes, Scatter3DPoints::Columns columns);
+
+    void setBoxLook(const Chart3DBox::Look& look) { m_box.setLook(look); }
+
+    /// Seen by \p camera, in \p area of the scene, which begins at its lower left corner.
+    void setView(const Chart3DCamera& camera, const vtkRectf& area);
+
+    /// Whether only some of many points are painted, for a picture that soon changes again.
+    void setCoarse(bool isCoarse) { m_isCoarse = isCoarse; }
+
+    [[nodiscard]] const Chart3DProjection& projection() const { return m_projection; }
+
+    [[nodiscard]] const Chart3DBox& box() const { return m_box; }
+
+    /// As last painted.
+    [[nodiscard]] const Scatter3DPoints& points() const { return m_points; }
+
+    /// The points as last painted, without the marks of selected ones.
+    [[nodiscard]] const Scatter3DPicture& picture() const { return m_picture; }
+
+    void Update() override;
+    bool Paint(vtkContext2D* painter) override;
+
+    /// That of the axes' plain range: the points are not where the axes say.
+    void GetBounds(double bounds[4]) override;
+
+    /// Mouse events are the chart's.
+    bool Hit(const vtkContextMouseEvent& mouse) override;
+
+protected:
+    Scatter3DPlot();
+    ~Scatter3DPlot() override;
+
+    bool paintUnmarked(vtkContext2D* painter) override;
+
+private:
+    /// What the picture was drawn from.
+    struct Drawn
+    {
+        std::uint64_t points = 0;
+        vtkMTimeType colors = 0;
+        std::array<unsigned char, 4> plain = {};
+        float size = 0.0F;
+        std::array<int, 2> pixels = {};
+    };
+
+    void mapColors();
+    void drawPicture();
+    [[nodiscard]] static bool isSame(const Drawn& left, const Drawn& right);
+    [[nodiscard]] std::size_t stride() const;
+    [[nodiscard]] vtkSmartPointer<vtkIdTypeArray> visibleSelection() const;
+
+    Chart3DBox m_box;
+    Scatter3DPoints m_points;
+    Chart3DProjection m_projection;
+    bool m_isCoarse = false;
+    vtkMTimeType m_colorsFrom = 0; ///< when what the colors are made from had changed last
+    Scatter3DPicture m_picture;
+    Drawn m_drawn;
+};
+
+} // namespace analyzer

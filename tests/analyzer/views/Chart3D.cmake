@@ -1,0 +1,1 @@
+list(APPEND ANALYZER_VIEWS_TEST_SOURCES Chart3DAxisTest.cpp Scatter3DPictureTest.cpp ScatterPlot3DViewTest.cpp)

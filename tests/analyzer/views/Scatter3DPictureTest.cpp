@@ -1,0 +1,136 @@
+#include <analyzer/views/Scatter3DPicture.h>
+
+#include <vtkImageData.h>
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <cstdint>
+#include <numeric>
+#include <random>
+#include <vector>
+
+namespace analyzer {
+
+namespace {
+
+constexpr int width = 40;
+constexpr int height = 30;
+
+/// Red, green and blue times opacity, and the opacity; from 0 to 1.
+using Color = std::array<double, 4>;
+
+/// The plain way: one disc over the other, from back to front.
+std::vector<Color> drawnBackToFront(const Scatter3DPicture::Points& points, double diameter)
+{
+    std::vector<Color> pixels(width * height, Color{});
+    for (const std::uint32_t row : points.order) {
+        const unsigned char* color =
+            points.colors == nullptr ? points.plain.data() : points.colors + 4 * row;
+        for (std::size_t pixel = 0; pixel < pixels.size(); ++pixel) {
+            const double x = static_cast<double>(pixel % width) + 0.5;
+            const double y = static_cast<double>(pixel / width) + 0.5;
+            const double distance =
+                std::hypot(x - points.places[2 * row], y - points.places[2 * row + 1]);
+            const double share =
+                std::clamp(diameter / 2.0 - distance + 0.5, 0.0, 1.0) * color[3] / 255.0;
+            for (std::size_t i = 0; i < 4; ++i) {
+                const double own = i == 3 ? 1.0 : color[i] / 255.0;
+                pixels[pixel][i] = own * share + pixels[pixel][i] * (1.0 - share);
+            }
+        }
+    }
+    return pixels;
+}
+
+/// The largest difference between the picture and \p expected, of any channel, multiplied by the opacity.
+double largestDifference(const Scatter3DPicture& picture, const std::vector<Color>& expected)
+{
+    const auto* drawn = static_cast<const unsigned char*>(picture.image().GetScalarPointer());
+    double largest = 0.0;
+    for (std::size_t pixel = 0; pixel < expected.size(); ++pixel, drawn += 4) {
+        for (std::size_t i = 0; i < 4; ++i) {
+            const double factor = i == 3 ? 1.0 : drawn[3] / 255.0;
+            largest = std::max(largest, std::abs(drawn[i] / 255.0 * factor - expected[pixel][i]));
+        }
+    }
+    return largest;
+}
+
+/// \p count points all over the picture and a little beyond, on the grid of places that the discs are made for.
+std::vector<float> scattered(int count, std::mt19937& random)
+{
+    std::uniform_int_distribution<int> quarterX(-12, 4 * width + 12);
+    std::uniform_int_distribution<int> quarterY(-12, 4 * height + 12);
+    std::vector<float> places;
+    for (int i = 0; i < count; ++i) {
+        places.push_back(static_cast<float>(quarterX(random)) / 4.0F + 0.125F);
+        places.push_back(static_cast<float>(quarterY(random)) / 4.0F + 0.125F);
+    }
+    return places;
+}
+
+} // namespace
+
+TEST(Scatter3DPictureTest, IsWhatDrawingOneOverTheOtherGives)
+{
+    const struct
+    {
+        int count;
+        float diameter;
+        unsigned char opacity;
+    } cases[] = {
+        {0, 7, 255}, {1, 7, 255}, {30, 7, 204}, {3000, 5, 204}, {2000, 1, 255}, {400, 19, 20}};
+
+    std::mt19937 random(7);
+    std::uniform_int_distribution<int> channel(0, 255);
+    for (const auto& testCase : cases) {
+        SCOPED_TRACE(testCase.count);
+        const std::vector<float> places = scattered(testCase.count, random);
+        std::vector<std::uint32_t> order(static_cast<std::size_t>(testCase.count));
+        std::iota(order.begin(), order.end(), 0U);
+        std::shuffle(order.begin(), order.end(), random);
+        std::vector<unsigned char> colors;
+        for (int i = 0; i < testCase.count; ++i) {
+            for (int j = 0; j < 3; ++j) {
+                colors.push_back(static_cast<unsigned char>(channel(random)));
+            }
+            colors.push_back(testCase.opacity);
+        }
+        const unsigned char* const perRow = testCase.count % 3 == 0 ? nullptr : colors.data();
+        const Scatter3DPicture::Points points{
+            places.data(), order, perRow, {10, 120, 250, testCase.opacity}};
+        Scatter3DPicture picture;
+
+        picture.draw(points, testCase.diameter, width, height);
+
+        EXPECT_LT(
+            largestDifference(picture, drawnBackToFront(points, testCase.diameter)), 5.0 / 255.0);
+    }
+}
+
+TEST(Scatter3DPictureTest, BeginsAnewWithEachPictureAndSize)
+{
+    const std::vector<float> places = {5.125F, 5.125F};
+    const std::vector<std::uint32_t> one = {0};
+    const std::vector<std::uint32_t> none;
+    Scatter3DPicture picture;
+    picture.draw({places.data(), one, nullptr, {255, 0, 0, 255}}, 9.0F, width, height);
+
+    const Scatter3DPicture::Points nothing{places.data(), none, nullptr, {}};
+    picture.draw(nothing, 9.0F, width, height);
+    EXPECT_EQ(largestDifference(picture, drawnBackToFront(nothing, 9.0)), 0.0);
+
+    const Scatter3DPicture::Points blue{places.data(), one, nullptr, {0, 0, 255, 255}};
+    picture.draw(blue, 3.0F, 10, 6);
+    EXPECT_EQ(picture.image().GetDimensions()[0], 10);
+    EXPECT_EQ(picture.image().GetDimensions()[1], 6);
+    const auto* pixel =
+        static_cast<const unsigned char*>(picture.image().GetScalarPointer(5, 5, 0));
+    EXPECT_EQ(pixel[2], 255);
+    EXPECT_EQ(pixel[3], 255);
+}
+
+} // namespace analyzer
