@@ -1047,7 +1047,9 @@ bool MainWindow::offerRecovery()
         openSession(newest, false);
         return true;
     }
-    m_autosave->forget(newest);
+    for (const QString& path : left) {
+        Autosave::forget(path);
+    }
     return false;
 }
 

@@ -21,6 +21,14 @@ int toInt(std::uint64_t value)
         std::min(value, static_cast<std::uint64_t>(std::numeric_limits<int>::max())));
 }
 
+QString undoText(const NumberSettingInterface& setting)
+{
+    const QString label = QString::fromStdString(setting.label());
+    const QString section = QString::fromStdString(setting.section());
+    return section.isEmpty() ? NumberField::tr("Change %1").arg(label)
+                             : NumberField::tr("Change %1 of %2").arg(label, section);
+}
+
 } // namespace
 
 NumberField::NumberField(
@@ -50,9 +58,15 @@ NumberField::NumberField(
     setFocusProxy(m_box);
     showSetting();
 
+    connect(m_slider, &QSlider::sliderPressed, this, [this] {
+        m_gesture = std::make_unique<UndoStack::Macro>(undoText(*m_setting));
+    });
+    connect(m_slider, &QSlider::sliderReleased, this, [this] { m_gesture.reset(); });
     connect(m_slider, &QSlider::valueChanged, this, &NumberField::change);
     connect(m_box, QOverload<int>::of(&QSpinBox::valueChanged), this, &NumberField::change);
 }
+
+NumberField::~NumberField() = default;
 
 void NumberField::showSetting()
 {

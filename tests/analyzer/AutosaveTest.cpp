@@ -11,6 +11,7 @@
 
 #include <csignal>
 
+#include <sys/socket.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -25,21 +26,22 @@ public:
     OtherProgram(const QString& folder, const QByteArray& session)
     {
         int ends[2] = {};
-        EXPECT_EQ(pipe(ends), 0);
+        EXPECT_EQ(socketpair(AF_UNIX, SOCK_STREAM, 0, ends), 0);
         m_process = fork();
         if (m_process == 0) {
-            Autosave autosave(folder);
-            autosave.save(session);
-            const bool isTold = write(ends[1], "x", 1) == 1;
-            while (isTold) {
-                pause();
-            }
-            _exit(1);
+            [&]() noexcept { // which ends the child if it fails
+                Autosave autosave(folder);
+                autosave.save(session);
+                close(ends[0]);
+                char byte = 'x';
+                static_cast<void>(write(ends[1], &byte, 1) + read(ends[1], &byte, 1));
+            }();
+            _exit(1); // the test program is gone
         }
         close(ends[1]);
         char ready = '\0';
         EXPECT_EQ(read(ends[0], &ready, 1), 1); // nothing, should the child have ended
-        close(ends[0]);
+        m_connection = ends[0];
     }
 
     OtherProgram(const OtherProgram&) = delete;
@@ -57,11 +59,13 @@ public:
     {
         kill(m_process, SIGKILL);
         waitpid(m_process, nullptr, 0);
+        close(m_connection);
         m_process = 0;
     }
 
 private:
     pid_t m_process = 0;
+    int m_connection = -1;
 };
 
 class AutosaveTest : public testing::Test

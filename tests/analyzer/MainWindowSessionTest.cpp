@@ -148,7 +148,15 @@ protected:
 
     [[nodiscard]] std::string present() const
     {
-        return m_window->sessionText(m_folder.path()).toStdString();
+        return withoutLayout(m_window->sessionText(m_folder.path()));
+    }
+
+    /// The layout holds the least sizes of the views, which depend on the pictures that have come by then.
+    static std::string withoutLayout(QByteArray session)
+    {
+        const int begin = session.indexOf(" <Window");
+        session.remove(begin, session.indexOf(" <Selection", begin) - begin);
+        return session.toStdString();
     }
 
     QTemporaryDir m_folder;
@@ -167,7 +175,7 @@ TEST_F(MainWindowSessionTest, RestoresEverythingInAnotherWindow)
     }
     const QSize size = m_window->size();
     m_window->saveSession(path("a.dvsession"));
-    const std::string saved = read("a.dvsession").toStdString();
+    const std::string saved = withoutLayout(read("a.dvsession"));
     EXPECT_EQ(saved, present());
 
     newWindow();
@@ -245,7 +253,7 @@ TEST_F(MainWindowSessionTest, RefusesWhatIsDamagedAndChangesNothing)
     EXPECT_TRUE(openSession("missing.dvsession").startsWith("refused: "));
 
     UndoStack::history().undo();
-    EXPECT_EQ(present(), good.toStdString());
+    EXPECT_EQ(present(), withoutLayout(good));
 }
 
 TEST_F(MainWindowSessionTest, FollowsTheCasesOfAStudyThatHasChanged)

@@ -197,6 +197,33 @@ protected:
     analyzer::SettingsPanel m_panel;
 };
 
+TEST_F(SettingsPanelTest, EachDragOfASliderIsOneStep)
+{
+    const auto size = undoable<std::uint64_t>(10);
+    const auto setting = boost::make_shared<analyzer::NumberSetting>(
+        "size", "Size", size, analyzer::NumberSetting::Range{0, 100, 1}, " px");
+    setting->setSection("Points");
+    add(setting);
+    showPanel();
+    auto& slider = field<QSlider>("size-slider");
+
+    for (const int target : {60, 90}) {
+        slider.setSliderDown(true); // where the handle is depends on the style
+        for (int value = slider.value() + 1; value <= target; ++value) {
+            slider.setSliderPosition(value);
+        }
+        slider.setSliderDown(false);
+    }
+
+    EXPECT_EQ(size->value(), 90U);
+    EXPECT_EQ(UndoStack::history().count(), 2);
+    EXPECT_EQ(UndoStack::history().undoText(), QStringLiteral("Change Size of Points"));
+    UndoStack::history().undo();
+    EXPECT_EQ(size->value(), 60U);
+    UndoStack::history().undo();
+    EXPECT_EQ(size->value(), 10U);
+}
+
 TEST_F(SettingsPanelTest, NumberIsSetWithSliderAndBox)
 {
     const auto zoom = undoable<std::uint64_t>(25);

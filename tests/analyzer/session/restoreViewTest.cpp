@@ -170,7 +170,6 @@ TEST_F(RestoreViewTest, WhatTheViewDoesNotTakeIsRefusedForAnUnchangedStudy)
         {"table", "<Columns>", "<Columns SortedBy=\"Nobody\">", "Nobody"},
         {"table", "<Columns>", "<Columns SortedBy=\"Drag\" Order=\"Up\">", "Up"},
         {"table", "Down=\"0\"", "Down=\"-1\"", "scrolled"},
-        {"images", "<Zoom>37<", "<Zoom>101<", "101"},
         {"images", "<Zoom>37<", "<Zoom>37 %<", "settings"},
         {"images", "<RowsBy>Variable<", "<RowsBy>Name<", "settings"},
         {"images", "Type=\"Whole\"", "Type=\"Half\"", "Half"},
