@@ -211,6 +211,15 @@ void MainWindow::openSession(const QString& path)
     openSession(path, true);
 }
 
+void MainWindow::openStudyOrSession(const QString& path)
+{
+    if (path.endsWith(QLatin1String(".dvsession"))) {
+        openSession(path);
+    } else {
+        openStudy(path);
+    }
+}
+
 void MainWindow::openSession(const QString& path, bool isOwn)
 {
     if (!mayLeaveSession()) {
@@ -455,12 +464,7 @@ void MainWindow::dropEvent(QDropEvent* event)
 {
     const QList<QUrl> urls = event->mimeData()->urls();
     if (!urls.isEmpty()) {
-        const QString path = urls.first().toLocalFile();
-        if (path.endsWith(QLatin1String(".dvsession"))) {
-            openSession(path);
-        } else {
-            openStudy(path);
-        }
+        openStudyOrSession(urls.first().toLocalFile());
     }
 }
 
@@ -821,7 +825,7 @@ void MainWindow::takeSession(const QString& path)
     if (m_autosave && m_autosave->isLeftBehind(pending.path)) {
         m_autosave->forget(pending.path);
     }
-    rememberRecent(path);
+    rememberRecent(pending.isOwn ? pending.path : path);
     updateTitle();
     updateActions();
     updateStatus();
@@ -928,7 +932,7 @@ void MainWindow::updateRecent()
     const QStringList recent = QSettings().value(recentKey).toStringList();
     for (const QString& path : recent) {
         QAction* action = m_recentMenu->addAction(withoutMnemonic(path));
-        connect(action, &QAction::triggered, this, [this, path] { openStudy(path); });
+        connect(action, &QAction::triggered, this, [this, path] { openStudyOrSession(path); });
     }
     m_recentMenu->setEnabled(!recent.isEmpty());
 }
@@ -985,6 +989,7 @@ bool MainWindow::saveSession()
         return false;
     }
     UndoStack::history().setClean();
+    rememberRecent(m_sessionPath);
     statusBar()->showMessage(
         tr("The session is saved in %1.").arg(QFileInfo(m_sessionPath).fileName()), remarkTime);
     return true;

@@ -211,6 +211,7 @@ private:
     };
 
     void openSession(const QString& path, bool isOwn);
+    void openStudyOrSession(const QString& path);
     void autosave();
 
     boost::shared_ptr<SelectionModelInterface> m_selection;

@@ -355,7 +355,7 @@ TEST_P(UndoEverythingTest, AnythingIsUndoneToTheStartAndRedoneToTheEnd)
 
     RandomUser user(*m_window, GetParam());
     std::map<int, std::string> states{{0, sessionOf(*m_window)}};
-    constexpr int actions = 2500;
+    const int actions = GetParam() == 1 ? 10000 : 1500;
     constexpr int between = 50;
     for (int i = 1; i <= actions; ++i) {
         const std::string what = user.act();
@@ -376,6 +376,6 @@ TEST_P(UndoEverythingTest, AnythingIsUndoneToTheStartAndRedoneToTheEnd)
     expectStates(*m_window, states.begin(), states.end(), "forward");
 }
 
-INSTANTIATE_TEST_SUITE_P(Seeds, UndoEverythingTest, testing::Values(1U, 2U, 3U, 4U));
+INSTANTIATE_TEST_SUITE_P(Seeds, UndoEverythingTest, testing::Values(1U, 2U, 3U));
 
 } // namespace
