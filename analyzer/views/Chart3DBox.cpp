@@ -1,5 +1,7 @@
 #include <analyzer/views/Chart3DBox.h>
 
+#include <QString>
+
 #include <vtkContext2D.h>
 #include <vtkPen.h>
 #include <vtkStdString.h>
@@ -20,6 +22,7 @@ constexpr int titleSize = 12;
 constexpr float tickLength = 4.0F; // device-independent pixels, as all of the following
 constexpr float gap = 4.0F; ///< between edge, numbers and title
 constexpr float leastLength = 25.0F; ///< of an edge that carries numbers
+constexpr float leastTitle = 90.0F; ///< that a title may be wide, however short its edge is
 constexpr float roomForTexts = 34.0F;
 constexpr float half = 0.5F; ///< of the box
 
@@ -56,6 +59,25 @@ vtkVector2f sizeOf(vtkContext2D& painter, const std::string& text)
     float bounds[4] = {0.0F, 0.0F, 0.0F, 0.0F};
     painter.ComputeStringBounds(text, bounds);
     return {bounds[2], bounds[3]};
+}
+
+/// \p text, without as much of its middle as must go for it to be at most \p width wide.
+std::string shortened(vtkContext2D& painter, const std::string& text, float width)
+{
+    const QString whole = QString::fromStdString(text);
+    const auto keeping = [&whole](int count) {
+        const int left = (count + 1) / 2;
+        return (whole.left(left) + QChar(0x2026) + whole.right(count - left)).toStdString();
+    };
+    if (sizeOf(painter, text)[0] <= width) {
+        return text;
+    }
+    int kept = 1; // characters; as many fit, or it is the least
+    for (int tooMany = whole.size(); tooMany - kept > 1;) {
+        const int middle = (kept + tooMany) / 2;
+        (sizeOf(painter, keeping(middle))[0] <= width ? kept : tooMany) = middle;
+    }
+    return keeping(kept);
 }
 
 /// How far a text of \p size reaches along \p direction.
@@ -235,13 +257,15 @@ void Chart3DBox::paintAxis(
     }
     m_titleText->SetOrientation(0.0);
     painter.ApplyTextProp(m_titleText);
-    const float height = sizeOf(painter, m_axes[axis].title())[1];
+    const std::string title =
+        shortened(painter, m_axes[axis].title(), std::max(edge.length, leastTitle * ratio));
+    const float height = sizeOf(painter, title)[1];
     const float distance =
         fromEdge + reach(largest, edge.outward) + 2.0F * gap * ratio + height / 2.0F;
     const vtkVector2f middle = at(0.0F) + edge.outward * distance;
     m_titleText->SetOrientation(degrees);
     painter.ApplyTextProp(m_titleText);
-    painter.DrawString(middle[0], middle[1], m_axes[axis].title());
+    painter.DrawString(middle[0], middle[1], title);
 }
 
 Chart3DBox::Edge Chart3DBox::edgeOf(
