@@ -43,7 +43,7 @@ QSlider* makeSlider(const QString& name, int minimum, int maximum, int step, QWi
 } // namespace
 
 ImageDiffWidget::ImageDiffWidget(QWidget* parent)
-    : QWidget(parent)
+    : ImageLeafingWidget(parent)
     , m_grid(new SelectedImageGrid(this))
 {
     auto* layout = new QVBoxLayout(this);
@@ -52,7 +52,7 @@ ImageDiffWidget::ImageDiffWidget(QWidget* parent)
     layout->addWidget(makeBar());
     layout->addWidget(m_grid, 1);
     connect(m_grid, &SelectedImageGrid::cellAdded, this, [this] {
-        m_zoomBar->setCanvases(m_grid->canvases());
+        zoomBar().setCanvases(m_grid->canvases());
     });
     m_grid->setCells(2, 2);
     setMode(ImageDiffMode::SideBySide);
@@ -75,7 +75,7 @@ QWidget* ImageDiffWidget::makeBar()
         ImageCanvasZoomBar::makeButton(tr("Swap"), tr("Let the two images change places"), this);
     m_swap->setText(tr("Swap"));
     m_swap->setCheckable(true);
-    m_zoomBar = new ImageCanvasZoomBar(this);
+    makeZoomBar();
     m_place = new QLabel(this);
     m_place->setIndent(textIndentPx);
     m_pair = new ImageCanvasCaption(this);
@@ -96,12 +96,6 @@ QWidget* ImageDiffWidget::makeBar()
         m_swap->setChecked(!checked);
         Q_EMIT swapRequested(checked);
     });
-    connect(m_zoomBar, &ImageCanvasZoomBar::fitRequested, this, &ImageDiffWidget::fitRequested);
-    connect(
-        m_zoomBar,
-        &ImageCanvasZoomBar::actualSizeRequested,
-        this,
-        &ImageDiffWidget::actualSizeRequested);
 
     auto* bar = new QWidget(this);
     auto* lines = new QVBoxLayout(bar);
@@ -113,7 +107,7 @@ QWidget* ImageDiffWidget::makeBar()
     buttons->addWidget(m_next);
     buttons->addWidget(m_place);
     buttons->addStretch(1);
-    buttons->addWidget(m_zoomBar);
+    buttons->addWidget(&zoomBar());
     lines->addLayout(buttons);
     lines->addWidget(makeModeLine());
     lines->addWidget(m_pair);
@@ -188,7 +182,7 @@ void ImageDiffWidget::setGain(int gain)
 
 void ImageDiffWidget::setFitting(bool isFitting)
 {
-    m_zoomBar->setFitting(isFitting);
+    zoomBar().setFitting(isFitting);
 }
 
 void ImageDiffWidget::setSwapped(bool isSwapped)
@@ -262,52 +256,6 @@ QString ImageDiffWidget::pairText() const
 QString ImageDiffWidget::remark() const
 {
     return m_remark->text();
-}
-
-bool ImageDiffWidget::event(QEvent* event)
-{
-    // Keys without modifiers may be somebody's shortcuts; here they are for the picture.
-    if (event->type() == QEvent::ShortcutOverride
-        && dynamic_cast<ImageCanvas*>(focusWidget()) != nullptr
-        && ImageCanvasZoomBar::isKeyOfBar(*static_cast<QKeyEvent*>(event))) {
-        event->accept();
-        return true;
-    }
-    return QWidget::event(event);
-}
-
-void ImageDiffWidget::keyPressEvent(QKeyEvent* event)
-{
-    constexpr Qt::KeyboardModifiers others =
-        Qt::ControlModifier | Qt::AltModifier | Qt::MetaModifier;
-    const bool isPlain = (event->modifiers() & others) == 0;
-    if (isPlain && obeyKey(event->key())) {
-        event->accept();
-        return;
-    }
-    QWidget::keyPressEvent(event);
-}
-
-bool ImageDiffWidget::obeyKey(int key)
-{
-    switch (key) {
-    case Qt::Key_Left:
-    case Qt::Key_PageUp:
-        Q_EMIT previousRequested();
-        return true;
-    case Qt::Key_Right:
-    case Qt::Key_PageDown:
-        Q_EMIT nextRequested();
-        return true;
-    case Qt::Key_Home:
-        Q_EMIT firstRequested();
-        return true;
-    case Qt::Key_End:
-        Q_EMIT lastRequested();
-        return true;
-    default:
-        return m_zoomBar->obeyKey(key);
-    }
 }
 
 } // namespace analyzer

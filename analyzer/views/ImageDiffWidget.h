@@ -1,9 +1,9 @@
 #pragma once
 
 #include <analyzer/views/ImageDiffMode.h>
+#include <analyzer/views/ImageLeafingWidget.h>
 
 #include <QString>
-#include <QWidget>
 
 #include <array>
 #include <cstddef>
@@ -17,14 +17,13 @@ namespace analyzer {
 
 class ImageCanvas;
 class ImageCanvasCaption;
-class ImageCanvasZoomBar;
 class SelectedImageGrid;
 
 /// Two pictures beside each other, or one made of both, with a bar above.
 ///
 /// Shows what it is told and says what the user asks for. Its keys: Left, Page Up, Right, Page Down, Home and End for the
 /// case that is compared, and those of ImageCanvasZoomBar.
-class ImageDiffWidget : public QWidget
+class ImageDiffWidget : public ImageLeafingWidget
 {
     Q_OBJECT
 
@@ -79,33 +78,21 @@ public:
     [[nodiscard]] QString remark() const;
 
 Q_SIGNALS:
-    void previousRequested();
-    void nextRequested();
-    void firstRequested();
-    void lastRequested();
     void modeRequested(analyzer::ImageDiffMode mode);
     void blendRequested(int percent);
     void gainRequested(int gain);
     void pinRequested(bool pinned);
     void swapRequested(bool swapped);
-    void fitRequested();
-    void actualSizeRequested();
-
-protected:
-    bool event(QEvent* event) override;
-    void keyPressEvent(QKeyEvent* event) override;
 
 private:
     QWidget* makeBar();
     QWidget* makeModeLine();
-    bool obeyKey(int key);
 
     SelectedImageGrid* m_grid;
     QToolButton* m_previous = nullptr;
     QToolButton* m_next = nullptr;
     QToolButton* m_pin = nullptr;
     QToolButton* m_swap = nullptr;
-    ImageCanvasZoomBar* m_zoomBar = nullptr;
     QComboBox* m_mode = nullptr;
     QSlider* m_blend = nullptr;
     QSlider* m_gain = nullptr;

@@ -8,6 +8,7 @@ list(
     ImageCanvasGroup.cpp
     ImageCanvasLevels.cpp
     ImageCanvasZoomBar.cpp
+    ImageLeafingWidget.cpp
     SelectedImageGrid.cpp
     SelectedImageList.cpp
     SelectedImageLoader.cpp

@@ -29,7 +29,7 @@ constexpr int textIndentPx = 3;
 } // namespace
 
 SelectedImageWidget::SelectedImageWidget(QWidget* parent)
-    : QWidget(parent)
+    : ImageLeafingWidget(parent)
     , m_grid(new SelectedImageGrid(this))
     , m_values(new CaseValuesTable(this))
     , m_splitter(new QSplitter(this))
@@ -48,7 +48,7 @@ SelectedImageWidget::SelectedImageWidget(QWidget* parent)
     layout->addWidget(m_splitter, 1);
 
     connect(m_grid, &SelectedImageGrid::cellAdded, this, [this] {
-        m_zoomBar->setCanvases(m_grid->canvases());
+        zoomBar().setCanvases(m_grid->canvases());
     });
     setNothing({});
     setFocusProxy(&m_grid->canvas(0));
@@ -62,19 +62,13 @@ QWidget* SelectedImageWidget::makeBar()
     m_next =
         ImageCanvasZoomBar::makeButton(tr("Next image"), tr("Next image (Right, Page Down)"), this);
     m_next->setArrowType(Qt::RightArrow);
-    m_zoomBar = new ImageCanvasZoomBar(this);
+    makeZoomBar();
     m_place = new QLabel(this);
     m_place->setIndent(textIndentPx);
     m_file = new ImageCanvasCaption(this);
 
     connect(m_previous, &QToolButton::clicked, this, &SelectedImageWidget::previousRequested);
     connect(m_next, &QToolButton::clicked, this, &SelectedImageWidget::nextRequested);
-    connect(m_zoomBar, &ImageCanvasZoomBar::fitRequested, this, &SelectedImageWidget::fitRequested);
-    connect(
-        m_zoomBar,
-        &ImageCanvasZoomBar::actualSizeRequested,
-        this,
-        &SelectedImageWidget::actualSizeRequested);
 
     auto* bar = new QWidget(this);
     auto* lines = new QVBoxLayout(bar);
@@ -85,7 +79,7 @@ QWidget* SelectedImageWidget::makeBar()
     buttons->addWidget(m_previous);
     buttons->addWidget(m_next);
     buttons->addStretch(1);
-    buttons->addWidget(m_zoomBar);
+    buttons->addWidget(&zoomBar());
     lines->addLayout(buttons);
     auto* texts = new QHBoxLayout;
     texts->setSpacing(barSpacingPx);
@@ -132,7 +126,7 @@ void SelectedImageWidget::setNothing(const QString& message)
 
 void SelectedImageWidget::setFitting(bool isFitting)
 {
-    m_zoomBar->setFitting(isFitting);
+    zoomBar().setFitting(isFitting);
 }
 
 ImageCanvas& SelectedImageWidget::canvas() const
@@ -148,52 +142,6 @@ QString SelectedImageWidget::placeText() const
 QString SelectedImageWidget::fileText() const
 {
     return m_file->text();
-}
-
-bool SelectedImageWidget::event(QEvent* event)
-{
-    // Keys without modifiers may be somebody's shortcuts; here they are for the picture.
-    if (event->type() == QEvent::ShortcutOverride
-        && dynamic_cast<ImageCanvas*>(focusWidget()) != nullptr
-        && ImageCanvasZoomBar::isKeyOfBar(*static_cast<QKeyEvent*>(event))) {
-        event->accept();
-        return true;
-    }
-    return QWidget::event(event);
-}
-
-void SelectedImageWidget::keyPressEvent(QKeyEvent* event)
-{
-    constexpr Qt::KeyboardModifiers others =
-        Qt::ControlModifier | Qt::AltModifier | Qt::MetaModifier;
-    const bool isPlain = (event->modifiers() & others) == 0;
-    if (isPlain && obeyKey(event->key())) {
-        event->accept();
-        return;
-    }
-    QWidget::keyPressEvent(event);
-}
-
-bool SelectedImageWidget::obeyKey(int key)
-{
-    switch (key) {
-    case Qt::Key_Left:
-    case Qt::Key_PageUp:
-        Q_EMIT previousRequested();
-        return true;
-    case Qt::Key_Right:
-    case Qt::Key_PageDown:
-        Q_EMIT nextRequested();
-        return true;
-    case Qt::Key_Home:
-        Q_EMIT firstRequested();
-        return true;
-    case Qt::Key_End:
-        Q_EMIT lastRequested();
-        return true;
-    default:
-        return m_zoomBar->obeyKey(key);
-    }
 }
 
 void SelectedImageWidget::resizeEvent(QResizeEvent* event)

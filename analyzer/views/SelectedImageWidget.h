@@ -1,7 +1,8 @@
 #pragma once
 
+#include <analyzer/views/ImageLeafingWidget.h>
+
 #include <QString>
-#include <QWidget>
 
 #include <cstddef>
 #include <optional>
@@ -15,14 +16,13 @@ namespace analyzer {
 class CaseValuesTable;
 class ImageCanvas;
 class ImageCanvasCaption;
-class ImageCanvasZoomBar;
 class SelectedImageGrid;
 
 /// Pictures with a bar above and the values of the current one's case beside them, or below them where the widget is
 /// narrow.
 ///
 /// Its keys: Left, Page Up, Right, Page Down, Home and End for the pictures, and those of ImageCanvasZoomBar.
-class SelectedImageWidget : public QWidget
+class SelectedImageWidget : public ImageLeafingWidget
 {
     Q_OBJECT
 
@@ -60,29 +60,16 @@ public:
 
     [[nodiscard]] QToolButton& nextButton() const { return *m_next; }
 
-    [[nodiscard]] ImageCanvasZoomBar& zoomBar() const { return *m_zoomBar; }
-
     [[nodiscard]] QSplitter& splitter() const { return *m_splitter; }
 
     [[nodiscard]] QString placeText() const;
     [[nodiscard]] QString fileText() const;
 
-Q_SIGNALS:
-    void previousRequested();
-    void nextRequested();
-    void firstRequested();
-    void lastRequested();
-    void fitRequested();
-    void actualSizeRequested();
-
 protected:
-    bool event(QEvent* event) override;
-    void keyPressEvent(QKeyEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;
 
 private:
     QWidget* makeBar();
-    bool obeyKey(int key);
     void noteShare();
     void shareRoom();
     [[nodiscard]] int roomForValues(int room) const;
@@ -92,7 +79,6 @@ private:
     QSplitter* m_splitter;
     QToolButton* m_previous = nullptr;
     QToolButton* m_next = nullptr;
-    ImageCanvasZoomBar* m_zoomBar = nullptr;
     QLabel* m_place = nullptr;
     ImageCanvasCaption* m_file = nullptr;
     std::optional<double> m_valuesShare;
