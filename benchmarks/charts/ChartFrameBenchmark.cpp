@@ -177,7 +177,7 @@ void report(benchmark::State& state, Seconds whole, Seconds own)
 }
 
 /// A new table in the chart, up to its picture: with all points made and fitted to the axes.
-void BM_ChartXY_firstFrame(benchmark::State& state)
+void firstFrame(benchmark::State& state)
 {
     if (isWithoutDisplay(state)) {
         return;
@@ -203,7 +203,7 @@ void BM_ChartXY_firstFrame(benchmark::State& state)
 }
 
 /// The same picture again, as after a move of the mouse.
-void BM_ChartXY_frame(benchmark::State& state)
+void frame(benchmark::State& state)
 {
     if (isWithoutDisplay(state)) {
         return;
@@ -228,7 +228,7 @@ void BM_ChartXY_frame(benchmark::State& state)
 }
 
 /// What a number of legends of eight categories each adds to a frame before it is painted.
-void BM_ChartXY_legendLayout(benchmark::State& state)
+void layOutLegends(benchmark::State& state)
 {
     if (isWithoutDisplay(state)) {
         return;
@@ -256,21 +256,24 @@ void BM_ChartXY_legendLayout(benchmark::State& state)
     chart.render();
 }
 
-BENCHMARK(BM_ChartXY_firstFrame)
+BENCHMARK(firstFrame)
+    ->Name("points/first_frame/ours")
     ->ArgName("points")
     ->RangeMultiplier(10)
     ->Range(10000, 1000000)
     ->Iterations(5)
     ->UseManualTime()
     ->Unit(benchmark::kMillisecond);
-BENCHMARK(BM_ChartXY_frame)
+BENCHMARK(frame)
+    ->Name("points/frame/ours")
     ->ArgName("points")
     ->RangeMultiplier(10)
     ->Range(10000, 1000000)
     ->Iterations(5)
     ->UseManualTime()
     ->Unit(benchmark::kMillisecond);
-BENCHMARK(BM_ChartXY_legendLayout)
+BENCHMARK(layOutLegends)
+    ->Name("legends/layout/ours")
     ->ArgName("legends")
     ->Arg(0)
     ->Arg(1)

@@ -18,7 +18,7 @@ using namespace caseTables;
 namespace {
 
 /// The colors of the points of a plot, as vtkPlotPoints asks for them.
-void BM_ColorPalette_mapScalars(benchmark::State& state)
+void mapScalars(benchmark::State& state)
 {
     const auto table = recordTable(state.range(0), IDOrder::Ascending);
     auto* const column = vtkDataArray::SafeDownCast(table->GetColumnByName("y"));
@@ -34,7 +34,7 @@ void BM_ColorPalette_mapScalars(benchmark::State& state)
 }
 
 /// What the memory of the machine allows: the column read, and four bytes a row written.
-void BM_ColorPalette_memory(benchmark::State& state)
+void copyAsColors(benchmark::State& state)
 {
     const auto table = recordTable(state.range(0), IDOrder::Ascending);
     auto* const column = vtkDoubleArray::SafeDownCast(table->GetColumnByName("y"));
@@ -50,12 +50,14 @@ void BM_ColorPalette_memory(benchmark::State& state)
     state.SetItemsProcessed(state.iterations() * state.range(0));
 }
 
-BENCHMARK(BM_ColorPalette_mapScalars)
+BENCHMARK(mapScalars)
+    ->Name("points/color/ours")
     ->ArgName("rows")
     ->RangeMultiplier(10)
     ->Range(10000, 1000000)
     ->Unit(benchmark::kMicrosecond);
-BENCHMARK(BM_ColorPalette_memory)
+BENCHMARK(copyAsColors)
+    ->Name("points/color/floor")
     ->ArgName("rows")
     ->RangeMultiplier(10)
     ->Range(10000, 1000000)

@@ -73,7 +73,7 @@ void arguments(benchmark::internal::Benchmark* benchmark)
         ->Unit(benchmark::kMicrosecond);
 }
 
-void BM_InvalidPointsFilter_update(benchmark::State& state)
+void update(benchmark::State& state)
 {
     const vtkSmartPointer<vtkTable> input = table(state.range(0), state.range(1));
     const auto shown = shownVariables(*input);
@@ -92,7 +92,7 @@ void BM_InvalidPointsFilter_update(benchmark::State& state)
 }
 
 /// One row after the other, each value through its column.
-void BM_InvalidPointsFilter_plain(benchmark::State& state)
+void copyTuples(benchmark::State& state)
 {
     const vtkSmartPointer<vtkTable> input = table(state.range(0), state.range(1));
     const auto output = vtkSmartPointer<vtkTable>::New();
@@ -124,7 +124,7 @@ void BM_InvalidPointsFilter_plain(benchmark::State& state)
 }
 
 /// What the memory of the machine allows: all columns as they are, into memory that is there.
-void BM_InvalidPointsFilter_memory(benchmark::State& state)
+void copyMemory(benchmark::State& state)
 {
     const vtkSmartPointer<vtkTable> input = table(state.range(0), state.range(1));
     const auto output = vtkSmartPointer<vtkTable>::New();
@@ -145,7 +145,7 @@ void BM_InvalidPointsFilter_memory(benchmark::State& state)
 }
 
 /// The three columns that are looked at, read once.
-void BM_InvalidPointsFilter_onePass(benchmark::State& state)
+void lookOnce(benchmark::State& state)
 {
     const vtkSmartPointer<vtkTable> input = table(state.range(0), state.range(1));
     for (auto _ : state) {
@@ -161,9 +161,9 @@ void BM_InvalidPointsFilter_onePass(benchmark::State& state)
     state.SetItemsProcessed(state.iterations() * state.range(0));
 }
 
-BENCHMARK(BM_InvalidPointsFilter_update)->Apply(arguments);
-BENCHMARK(BM_InvalidPointsFilter_plain)->Apply(arguments);
-BENCHMARK(BM_InvalidPointsFilter_memory)->Apply(arguments);
-BENCHMARK(BM_InvalidPointsFilter_onePass)->Apply(arguments);
+BENCHMARK(update)->Name("points/undrawable/ours")->Apply(arguments);
+BENCHMARK(copyTuples)->Name("points/undrawable/plain")->Apply(arguments);
+BENCHMARK(copyMemory)->Name("points/undrawable/memory")->Apply(arguments);
+BENCHMARK(lookOnce)->Name("points/undrawable/floor")->Apply(arguments);
 
 } // namespace

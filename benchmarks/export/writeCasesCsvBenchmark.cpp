@@ -42,7 +42,7 @@ std::string fileIn(const QTemporaryDir& folder)
 }
 
 /// All digits, and on the disk at the end.
-void BM_writeCasesCsv_write(benchmark::State& state)
+void writeCsv(benchmark::State& state)
 {
     const QTemporaryDir folder;
     Project project;
@@ -55,7 +55,7 @@ void BM_writeCasesCsv_write(benchmark::State& state)
 }
 
 /// What VTK has for the same table: six digits, and no care for the disk.
-void BM_DelimitedTextWriter_write(benchmark::State& state)
+void writeCsvPlainly(benchmark::State& state)
 {
     const QTemporaryDir folder;
     Project project;
@@ -78,7 +78,7 @@ void sizes(benchmark::internal::Benchmark* benchmark)
         ->UseRealTime();
 }
 
-BENCHMARK(BM_writeCasesCsv_write)->Apply(sizes);
-BENCHMARK(BM_DelimitedTextWriter_write)->Apply(sizes);
+BENCHMARK(writeCsv)->Name("study/write_csv/ours")->Apply(sizes);
+BENCHMARK(writeCsvPlainly)->Name("study/write_csv/plain")->Apply(sizes);
 
 } // namespace

@@ -67,7 +67,7 @@ void countPictures(benchmark::State& state)
 }
 
 /// A page that was not shown before.
-void BM_AsyncImageLoader_fillCold(benchmark::State& state)
+void loadCold(benchmark::State& state)
 {
     const AsyncImageCache cache(0);
     Grid grid(cache);
@@ -80,7 +80,7 @@ void BM_AsyncImageLoader_fillCold(benchmark::State& state)
 }
 
 /// A page that was shown before.
-void BM_AsyncImageLoader_fillWarm(benchmark::State& state)
+void loadWarm(benchmark::State& state)
 {
     const std::array pages{page(state.range(0), 0), page(state.range(0), 1)};
     const AsyncImageCache cache;
@@ -95,7 +95,7 @@ void BM_AsyncImageLoader_fillWarm(benchmark::State& state)
 }
 
 /// The same page at another size.
-void BM_AsyncImageLoader_zoom(benchmark::State& state)
+void loadZoomed(benchmark::State& state)
 {
     const Paths paths = page(state.range(0), 0);
     const AsyncImageCache cache(0);
@@ -109,7 +109,7 @@ void BM_AsyncImageLoader_zoom(benchmark::State& state)
 }
 
 /// What a cell asks each time it is painted.
-void BM_AsyncImageLoader_requestHit(benchmark::State& state)
+void requestKnown(benchmark::State& state)
 {
     const Paths paths = page(0, 0);
     const AsyncImageCache cache;
@@ -124,21 +124,23 @@ void BM_AsyncImageLoader_requestHit(benchmark::State& state)
 }
 
 // Most of the time passes in the workers.
-BENCHMARK(BM_AsyncImageLoader_fillCold)
+BENCHMARK(loadCold)
+    ->Name("images/load_cold/ours")
     ->ArgName("png")
     ->Arg(0)
     ->Arg(1)
     ->Unit(benchmark::kMillisecond)
     ->MeasureProcessCPUTime()
     ->UseRealTime();
-BENCHMARK(BM_AsyncImageLoader_fillWarm)->ArgName("png")->Arg(0)->Arg(1);
-BENCHMARK(BM_AsyncImageLoader_zoom)
+BENCHMARK(loadWarm)->Name("images/load_warm/ours")->ArgName("png")->Arg(0)->Arg(1);
+BENCHMARK(loadZoomed)
+    ->Name("images/load_zoomed/ours")
     ->ArgName("png")
     ->Arg(0)
     ->Arg(1)
     ->Unit(benchmark::kMillisecond)
     ->MeasureProcessCPUTime()
     ->UseRealTime();
-BENCHMARK(BM_AsyncImageLoader_requestHit);
+BENCHMARK(requestKnown)->Name("images/request_known/ours");
 
 } // namespace

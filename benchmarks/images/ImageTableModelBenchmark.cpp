@@ -128,7 +128,7 @@ private:
 };
 
 /// Another row variable, up to all headers and the cases of every cell. Known variables were rows before.
-void BM_ImageTableModel_group(benchmark::State& state)
+void group(benchmark::State& state)
 {
     const Grid grid(state.range(0));
     const int variables = state.range(1) != 0 ? 2 : rowVariableCount;
@@ -149,13 +149,14 @@ void BM_ImageTableModel_group(benchmark::State& state)
     state.SetItemsProcessed(state.iterations() * state.range(0));
 }
 
-BENCHMARK(BM_ImageTableModel_group)
+BENCHMARK(group)
+    ->Name("images/group/ours")
     ->ArgNames({"cases", "known"})
     ->ArgsProduct({benchmark::CreateRange(10000, 1000000, 10), {0, 1}})
     ->Unit(benchmark::kMicrosecond);
 
 /// The table of a filter that moved, up to all headers and the cases of every cell.
-void BM_ImageTableModel_tableChanged(benchmark::State& state)
+void changeTable(benchmark::State& state)
 {
     Grid grid(state.range(0), Grid::Table::Filtered);
     std::size_t row = 0;
@@ -171,14 +172,15 @@ void BM_ImageTableModel_tableChanged(benchmark::State& state)
     state.SetItemsProcessed(state.iterations() * state.range(0));
 }
 
-BENCHMARK(BM_ImageTableModel_tableChanged)
+BENCHMARK(changeTable)
+    ->Name("images/change_table/ours")
     ->ArgName("cases")
     ->RangeMultiplier(10)
     ->Range(10000, 1000000)
     ->Unit(benchmark::kMicrosecond);
 
 /// Another page of fifty, up to the first cell, or to all cells.
-void BM_ImageTableModel_pageValue(benchmark::State& state)
+void changePage(benchmark::State& state)
 {
     const Grid grid(state.range(0));
     grid.properties->dimensionPagesBy()->setValue(PageBy::ByVariable);
@@ -191,13 +193,14 @@ void BM_ImageTableModel_pageValue(benchmark::State& state)
     }
 }
 
-BENCHMARK(BM_ImageTableModel_pageValue)
+BENCHMARK(changePage)
+    ->Name("images/change_page/ours")
     ->ArgNames({"cases", "all"})
     ->ArgsProduct({benchmark::CreateRange(10000, 1000000, 10), {0, 1}})
     ->Unit(benchmark::kMicrosecond);
 
 /// The sets of all cells, one after the other; per cell.
-void BM_ImageTableModel_cellSet(benchmark::State& state)
+void cellSet(benchmark::State& state)
 {
     const Grid grid(state.range(0));
     int next = 0;
@@ -214,14 +217,15 @@ void BM_ImageTableModel_cellSet(benchmark::State& state)
     }
 }
 
-BENCHMARK(BM_ImageTableModel_cellSet)
+BENCHMARK(cellSet)
+    ->Name("images/cell_set/ours")
     ->ArgName("cases")
     ->RangeMultiplier(10)
     ->Range(10000, 1000000)
     ->Unit(benchmark::kMicrosecond);
 
 /// The same sets out of vectors that hold their members in order.
-void BM_PlainGrouping_cellSet(benchmark::State& state)
+void cellSetPlainly(benchmark::State& state)
 {
     const Grid grid(state.range(0));
     std::vector<std::vector<unsigned long long>> cells;
@@ -248,13 +252,14 @@ void BM_PlainGrouping_cellSet(benchmark::State& state)
     }
 }
 
-BENCHMARK(BM_PlainGrouping_cellSet)
+BENCHMARK(cellSetPlainly)
+    ->Name("images/cell_set/plain")
     ->ArgName("cases")
     ->RangeMultiplier(10)
     ->Range(10000, 1000000)
     ->Unit(benchmark::kMicrosecond);
 
-void BM_ImageTableModel_cellsContaining(benchmark::State& state)
+void cellsOfCase(benchmark::State& state)
 {
     const Grid grid(state.range(0));
     std::mt19937 random(2);
@@ -266,14 +271,15 @@ void BM_ImageTableModel_cellsContaining(benchmark::State& state)
     }
 }
 
-BENCHMARK(BM_ImageTableModel_cellsContaining)
+BENCHMARK(cellsOfCase)
+    ->Name("images/cells_of_case/ours")
     ->ArgName("cases")
     ->RangeMultiplier(10)
     ->Range(10000, 1000000);
 
 /// What the grouping is compared with: a set of cases for each value of each variable, which are there already, and for
 /// each cell what two of them have in common.
-void BM_PlainGrouping_intersectAllCells(benchmark::State& state)
+void groupPlainly(benchmark::State& state)
 {
     const Grid grid(state.range(0));
     const auto index = [](const char* name) {
@@ -308,7 +314,8 @@ void BM_PlainGrouping_intersectAllCells(benchmark::State& state)
     state.SetItemsProcessed(state.iterations() * state.range(0));
 }
 
-BENCHMARK(BM_PlainGrouping_intersectAllCells)
+BENCHMARK(groupPlainly)
+    ->Name("images/group/plain")
     ->ArgName("cases")
     ->RangeMultiplier(10)
     ->Range(10000, 1000000)

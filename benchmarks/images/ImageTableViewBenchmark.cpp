@@ -34,10 +34,15 @@ constexpr int rows = 4; ///< visible
 constexpr int columns = 5;
 constexpr std::uint64_t zoomOfPages = 25;
 
-/// The loader of a view: one that decodes in the background, or one that reads what is painted.
-Loader makeLoader(bool isPlain, const AsyncImageCache& asyncCache)
+enum class Way
 {
-    return isPlain ? ImageCache().imageLoader() : Loader(asyncCache.imageLoader());
+    Ours, ///< a loader that decodes in the background
+    Plain ///< a loader that reads what is painted
+};
+
+Loader makeLoader(Way way, const AsyncImageCache& asyncCache)
+{
+    return way == Way::Plain ? ImageCache().imageLoader() : Loader(asyncCache.imageLoader());
 }
 
 /// The longest block of the GUI thread in each iteration, or page.
@@ -82,11 +87,11 @@ double residentMB()
 }
 
 /// Scrolls to pictures that were not shown before, until they are painted.
-void BM_ImageTableView_fillCold(benchmark::State& state)
+void fillCold(benchmark::State& state, Way way)
 {
     const AsyncImageCache cache;
     const auto window = ImageMatrixWindow::ofPictures(
-        ImageFiles::large(state.range(0) != 0), columns, makeLoader(state.range(1) != 0, cache));
+        ImageFiles::large(state.range(0) != 0), columns, makeLoader(way, cache));
     window->show(rows, columns);
     BlockCounter block(*window);
     int page = 0;
@@ -98,11 +103,11 @@ void BM_ImageTableView_fillCold(benchmark::State& state)
 }
 
 /// Scrolls to pictures that were shown before.
-void BM_ImageTableView_fillWarm(benchmark::State& state)
+void fillWarm(benchmark::State& state, Way way)
 {
     const AsyncImageCache cache;
-    const auto window = ImageMatrixWindow::ofPictures(
-        ImageFiles::large(false), columns, makeLoader(state.range(0) != 0, cache));
+    const auto window =
+        ImageMatrixWindow::ofPictures(ImageFiles::large(false), columns, makeLoader(way, cache));
     window->show(rows, columns);
     window->scrollToRow(rows);
     BlockCounter block(*window);
@@ -117,11 +122,11 @@ void BM_ImageTableView_fillWarm(benchmark::State& state)
 
 /// One notch of the wheel and back. The background loader decodes again, as at a zoom that was not seen before; the
 /// plain one has the full pictures.
-void BM_ImageTableView_zoom(benchmark::State& state)
+void zoom(benchmark::State& state, Way way)
 {
     const AsyncImageCache cache(0);
     const auto window = ImageMatrixWindow::ofPictures(
-        ImageFiles::large(state.range(0) != 0), columns, makeLoader(state.range(1) != 0, cache));
+        ImageFiles::large(state.range(0) != 0), columns, makeLoader(way, cache));
     window->show(rows, columns);
     BlockCounter block(*window);
     bool isZoomed = false;
@@ -135,14 +140,13 @@ void BM_ImageTableView_zoom(benchmark::State& state)
 }
 
 /// Page by page through many pictures, and what is in memory then.
-void BM_ImageTableView_scrollThrough(benchmark::State& state)
+void scrollThrough(benchmark::State& state, Way way)
 {
     const ImageFiles::Paths& all = ImageFiles::small();
     const ImageFiles::Paths paths(all.begin(), all.begin() + state.range(0));
     for (auto _ : state) {
         const AsyncImageCache cache;
-        const auto window =
-            ImageMatrixWindow::ofPictures(paths, columns, makeLoader(state.range(1) != 0, cache));
+        const auto window = ImageMatrixWindow::ofPictures(paths, columns, makeLoader(way, cache));
         window->show(rows, columns);
         // What others have freed is not to pass for room.
         malloc_trim(0);
@@ -176,7 +180,7 @@ std::unique_ptr<ImageMatrixWindow> makeWholeGrid(
 }
 
 /// What is paid at any change of all cells, and by `painted:1` below.
-void BM_ImageTableView_repaint(benchmark::State& state)
+void repaint(benchmark::State& state)
 {
     const AsyncImageCache cache;
     const auto window = makeWholeGrid(state.range(0), cache);
@@ -202,7 +206,7 @@ void click(const QImageTableView& grid, int row, int column)
 }
 
 /// A click on a cell, up to the selection of its cases, or to the painted grid.
-void BM_ImageTableView_click(benchmark::State& state)
+void clickCell(benchmark::State& state)
 {
     const AsyncImageCache cache;
     const auto window = makeWholeGrid(state.range(0), cache);
@@ -221,7 +225,7 @@ void BM_ImageTableView_click(benchmark::State& state)
 }
 
 /// A selection of cases, up to the selection of cells, or to the painted grid; two selections take turns.
-void BM_ImageTableView_masterSelectionChanged(benchmark::State& state)
+void masterToCells(benchmark::State& state)
 {
     const AsyncImageCache cache;
     const std::int64_t caseCount = state.range(0);
@@ -245,7 +249,7 @@ void BM_ImageTableView_masterSelectionChanged(benchmark::State& state)
 }
 
 /// Another row variable, up to the painted grid of other pictures.
-void BM_ImageTableView_rowVariable(benchmark::State& state)
+void changeRowVariable(benchmark::State& state)
 {
     const AsyncImageCache cache;
     const auto window = makeWholeGrid(state.range(0), cache);
@@ -267,58 +271,78 @@ void BM_ImageTableView_rowVariable(benchmark::State& state)
 }
 
 // Most of the time passes in the workers, or in waiting for Qt to paint.
-BENCHMARK(BM_ImageTableView_fillCold)
-    ->ArgNames({"png", "plain"})
-    ->ArgsProduct({{0, 1}, {0, 1}})
-    ->Iterations(10)
-    ->Unit(benchmark::kMillisecond)
-    ->MeasureProcessCPUTime()
-    ->UseRealTime();
-BENCHMARK(BM_ImageTableView_fillWarm)
-    ->ArgName("plain")
+void asPictures(benchmark::internal::Benchmark* benchmark)
+{
+    benchmark->Unit(benchmark::kMillisecond)->MeasureProcessCPUTime()->UseRealTime();
+}
+
+BENCHMARK_CAPTURE(fillCold, ours, Way::Ours)
+    ->Name("images/fill_cold/ours")
+    ->ArgName("png")
     ->Arg(0)
     ->Arg(1)
-    ->Unit(benchmark::kMillisecond)
-    ->MeasureProcessCPUTime()
-    ->UseRealTime();
-BENCHMARK(BM_ImageTableView_zoom)
-    ->ArgNames({"png", "plain"})
-    ->ArgsProduct({{0, 1}, {0, 1}})
+    ->Iterations(10)
+    ->Apply(asPictures);
+BENCHMARK_CAPTURE(fillCold, plain, Way::Plain)
+    ->Name("images/fill_cold/plain")
+    ->ArgName("png")
+    ->Arg(0)
+    ->Arg(1)
+    ->Iterations(10)
+    ->Apply(asPictures);
+BENCHMARK_CAPTURE(fillWarm, ours, Way::Ours)->Name("images/fill_warm/ours")->Apply(asPictures);
+BENCHMARK_CAPTURE(fillWarm, plain, Way::Plain)->Name("images/fill_warm/plain")->Apply(asPictures);
+BENCHMARK_CAPTURE(zoom, ours, Way::Ours)
+    ->Name("images/zoom/ours")
+    ->ArgName("png")
+    ->Arg(0)
+    ->Arg(1)
     ->Iterations(6)
-    ->Unit(benchmark::kMillisecond)
-    ->MeasureProcessCPUTime()
-    ->UseRealTime();
-// The plain way through all of them would need 6.5 GB.
-BENCHMARK(BM_ImageTableView_scrollThrough)
-    ->ArgNames({"pictures", "plain"})
-    ->Args({2000, 0})
-    ->Args({2000, 1})
-    ->Args({10000, 0})
+    ->Apply(asPictures);
+BENCHMARK_CAPTURE(zoom, plain, Way::Plain)
+    ->Name("images/zoom/plain")
+    ->ArgName("png")
+    ->Arg(0)
+    ->Arg(1)
+    ->Iterations(6)
+    ->Apply(asPictures);
+BENCHMARK_CAPTURE(scrollThrough, ours, Way::Ours)
+    ->Name("images/scroll_through/ours")
+    ->ArgName("pictures")
+    ->Arg(2000)
+    ->Arg(10000)
     ->Iterations(1)
-    ->Unit(benchmark::kMillisecond)
-    ->MeasureProcessCPUTime()
-    ->UseRealTime();
-BENCHMARK(BM_ImageTableView_repaint)
+    ->Apply(asPictures);
+// The plain way through all of them would need 6.5 GB.
+BENCHMARK_CAPTURE(scrollThrough, plain, Way::Plain)
+    ->Name("images/scroll_through/plain")
+    ->ArgName("pictures")
+    ->Arg(2000)
+    ->Iterations(1)
+    ->Apply(asPictures);
+BENCHMARK(repaint)
+    ->Name("images/repaint/ours")
     ->ArgName("cases")
     ->Arg(1000000)
     ->Iterations(50)
     ->Unit(benchmark::kMillisecond);
-BENCHMARK(BM_ImageTableView_click)
+BENCHMARK(clickCell)
+    ->Name("images/click_cell/ours")
     ->ArgNames({"cases", "painted"})
     ->ArgsProduct({{1000000}, {0, 1}})
     ->Iterations(400)
     ->Unit(benchmark::kMillisecond);
-BENCHMARK(BM_ImageTableView_masterSelectionChanged)
+BENCHMARK(masterToCells)
+    ->Name("images/master_to_cells/ours")
     ->ArgNames({"cases", "permille", "painted"})
     ->ArgsProduct({{1000000}, {0, 10, 500, 1000}, {0, 1}})
     ->Iterations(20)
     ->Unit(benchmark::kMillisecond);
-BENCHMARK(BM_ImageTableView_rowVariable)
+BENCHMARK(changeRowVariable)
+    ->Name("images/row_variable/ours")
     ->ArgName("cases")
     ->Arg(1000000)
     ->Iterations(20)
-    ->Unit(benchmark::kMillisecond)
-    ->MeasureProcessCPUTime()
-    ->UseRealTime();
+    ->Apply(asPictures);
 
 } // namespace

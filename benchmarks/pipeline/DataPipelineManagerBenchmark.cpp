@@ -45,7 +45,7 @@ struct FilteredStudy
 };
 
 /// One end of a range filter moved, up to the rows that pass.
-void BM_DataPipelineManager_passingRows(benchmark::State& state)
+void passingRows(benchmark::State& state)
 {
     FilteredStudy study(state.range(0));
     for (auto _ : state) {
@@ -56,7 +56,7 @@ void BM_DataPipelineManager_passingRows(benchmark::State& state)
 }
 
 /// The same up to the table that views get.
-void BM_DataPipelineManager_output(benchmark::State& state)
+void output(benchmark::State& state)
 {
     FilteredStudy study(state.range(0));
     for (auto _ : state) {
@@ -67,12 +67,14 @@ void BM_DataPipelineManager_output(benchmark::State& state)
     state.SetItemsProcessed(state.iterations() * state.range(0));
 }
 
-BENCHMARK(BM_DataPipelineManager_passingRows)
+BENCHMARK(passingRows)
+    ->Name("filters/passing_rows/ours")
     ->ArgName("cases")
     ->RangeMultiplier(10)
     ->Range(10000, 1000000)
     ->Unit(benchmark::kMicrosecond);
-BENCHMARK(BM_DataPipelineManager_output)
+BENCHMARK(output)
+    ->Name("filters/output/ours")
     ->ArgName("cases")
     ->RangeMultiplier(10)
     ->Range(10000, 1000000)

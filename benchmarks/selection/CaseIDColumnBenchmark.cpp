@@ -46,19 +46,19 @@ void pickArguments(benchmark::internal::Benchmark* benchmark)
         ->ArgsProduct({benchmark::CreateRange(10000, 1000000, 10), {0, 1}});
 }
 
-void BM_CaseIDColumn_rowsOf(benchmark::State& state)
+void rowsOfCases(benchmark::State& state)
 {
     measureRowsOf(state, [](vtkAbstractArray& column, const Cases& cases) {
         return CaseIDColumn(column).rowsOf(CaseIDMembership(cases));
     });
 }
 
-void BM_PlainSelection_rowsOf(benchmark::State& state)
+void rowsOfCasesPlainly(benchmark::State& state)
 {
     measureRowsOf(state, plainSelection::rowsOf);
 }
 
-void BM_CaseIDColumn_toCaseIDs(benchmark::State& state)
+void casesOfRows(benchmark::State& state)
 {
     measureCasesOf(state, [](vtkAbstractArray& column, vtkIdTypeArray& rows) {
         std::vector<CaseIDMembership::Key> keys;
@@ -67,14 +67,26 @@ void BM_CaseIDColumn_toCaseIDs(benchmark::State& state)
     });
 }
 
-void BM_PlainSelection_toCaseIDs(benchmark::State& state)
+void casesOfRowsPlainly(benchmark::State& state)
 {
     measureCasesOf(state, plainSelection::casesOf);
 }
 
-BENCHMARK(BM_CaseIDColumn_rowsOf)->Apply(selectionArguments)->Unit(benchmark::kMicrosecond);
-BENCHMARK(BM_PlainSelection_rowsOf)->Apply(selectionArguments)->Unit(benchmark::kMicrosecond);
-BENCHMARK(BM_CaseIDColumn_toCaseIDs)->Apply(pickArguments)->Unit(benchmark::kMicrosecond);
-BENCHMARK(BM_PlainSelection_toCaseIDs)->Apply(pickArguments)->Unit(benchmark::kMicrosecond);
+BENCHMARK(rowsOfCases)
+    ->Name("selection/rows_of_cases/ours")
+    ->Apply(selectionArguments)
+    ->Unit(benchmark::kMicrosecond);
+BENCHMARK(rowsOfCasesPlainly)
+    ->Name("selection/rows_of_cases/plain")
+    ->Apply(selectionArguments)
+    ->Unit(benchmark::kMicrosecond);
+BENCHMARK(casesOfRows)
+    ->Name("selection/cases_of_rows/ours")
+    ->Apply(pickArguments)
+    ->Unit(benchmark::kMicrosecond);
+BENCHMARK(casesOfRowsPlainly)
+    ->Name("selection/cases_of_rows/plain")
+    ->Apply(pickArguments)
+    ->Unit(benchmark::kMicrosecond);
 
 } // namespace

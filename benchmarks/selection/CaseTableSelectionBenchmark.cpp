@@ -84,7 +84,7 @@ struct Picks
 
 /// From the release of the mouse button in one chart to the last of three views: that chart, another one, and a table of
 /// the cases. Painting not included.
-void BM_CaseTableSelection_pickInChart(benchmark::State& state)
+void pickInChart(benchmark::State& state)
 {
     const vtkIdType rowCount = state.range(0);
     const vtkSmartPointer<vtkTable> table = recordTable(rowCount, orderOf(state.range(2)));
@@ -107,7 +107,7 @@ void BM_CaseTableSelection_pickInChart(benchmark::State& state)
     state.SetItemsProcessed(state.iterations() * state.range(1));
 }
 
-void BM_PlainSelection_pickInChart(benchmark::State& state)
+void pickInChartPlainly(benchmark::State& state)
 {
     const vtkIdType rowCount = state.range(0);
     const vtkSmartPointer<vtkTable> table = recordTable(rowCount, orderOf(state.range(2)));
@@ -145,7 +145,7 @@ void chainArguments(benchmark::internal::Benchmark* benchmark)
         ->Unit(benchmark::kMicrosecond);
 }
 
-BENCHMARK(BM_CaseTableSelection_pickInChart)->Apply(chainArguments);
-BENCHMARK(BM_PlainSelection_pickInChart)->Apply(chainArguments);
+BENCHMARK(pickInChart)->Name("selection/pick_in_chart/ours")->Apply(chainArguments);
+BENCHMARK(pickInChartPlainly)->Name("selection/pick_in_chart/plain")->Apply(chainArguments);
 
 } // namespace

@@ -35,7 +35,7 @@ struct Chart
 };
 
 /// A change of the master, up to the new selection of one chart; two selections take turns.
-void BM_DataView2DSelectionSynchronizer_masterSelectionChanged(benchmark::State& state)
+void masterToChart(benchmark::State& state)
 {
     const vtkIdType rowCount = state.range(0);
     const vtkIdType count = shareOf(rowCount, state.range(1));
@@ -57,7 +57,7 @@ void BM_DataView2DSelectionSynchronizer_masterSelectionChanged(benchmark::State&
     state.SetItemsProcessed(state.iterations() * rowCount);
 }
 
-void BM_PlainSelection_masterSelectionChanged(benchmark::State& state)
+void masterToChartPlainly(benchmark::State& state)
 {
     const vtkIdType rowCount = state.range(0);
     const vtkIdType count = shareOf(rowCount, state.range(1));
@@ -75,7 +75,7 @@ void BM_PlainSelection_masterSelectionChanged(benchmark::State& state)
 }
 
 /// The selection of before written into a chart anew, as after a change of its table.
-void BM_DataView2DSelectionSynchronizer_updateChartSelections(benchmark::State& state)
+void updateChart(benchmark::State& state)
 {
     const vtkIdType rowCount = state.range(0);
     Chart chart(*recordTable(rowCount, orderOf(state.range(2))));
@@ -94,7 +94,7 @@ void BM_DataView2DSelectionSynchronizer_updateChartSelections(benchmark::State& 
     state.SetItemsProcessed(state.iterations() * rowCount);
 }
 
-void BM_PlainSelection_updateChartSelections(benchmark::State& state)
+void updateChartPlainly(benchmark::State& state)
 {
     const vtkIdType rowCount = state.range(0);
     Chart chart(*recordTable(rowCount, orderOf(state.range(2))));
@@ -108,16 +108,20 @@ void BM_PlainSelection_updateChartSelections(benchmark::State& state)
     state.SetItemsProcessed(state.iterations() * rowCount);
 }
 
-BENCHMARK(BM_DataView2DSelectionSynchronizer_masterSelectionChanged)
+BENCHMARK(masterToChart)
+    ->Name("selection/master_to_chart/ours")
     ->Apply(selectionArguments)
     ->Unit(benchmark::kMicrosecond);
-BENCHMARK(BM_PlainSelection_masterSelectionChanged)
+BENCHMARK(masterToChartPlainly)
+    ->Name("selection/master_to_chart/plain")
     ->Apply(selectionArguments)
     ->Unit(benchmark::kMicrosecond);
-BENCHMARK(BM_DataView2DSelectionSynchronizer_updateChartSelections)
+BENCHMARK(updateChart)
+    ->Name("selection/update_chart/ours")
     ->Apply(selectionArguments)
     ->Unit(benchmark::kMicrosecond);
-BENCHMARK(BM_PlainSelection_updateChartSelections)
+BENCHMARK(updateChartPlainly)
+    ->Name("selection/update_chart/plain")
     ->Apply(selectionArguments)
     ->Unit(benchmark::kMicrosecond);
 

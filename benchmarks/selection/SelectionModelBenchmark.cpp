@@ -11,7 +11,7 @@ using namespace caseTables;
 namespace {
 
 /// Half of the cases in place of another half.
-void BM_SelectionModel_setSelection(benchmark::State& state)
+void writeMaster(benchmark::State& state)
 {
     const vtkIdType rowCount = state.range(0);
     const Cases choices[] = {
@@ -24,7 +24,7 @@ void BM_SelectionModel_setSelection(benchmark::State& state)
     state.SetItemsProcessed(state.iterations() * (rowCount / 2));
 }
 
-void BM_SelectionModel_getSelections(benchmark::State& state)
+void readMaster(benchmark::State& state)
 {
     const vtkIdType rowCount = state.range(0);
     SelectionModel model;
@@ -35,12 +35,14 @@ void BM_SelectionModel_getSelections(benchmark::State& state)
     state.SetItemsProcessed(state.iterations() * (rowCount / 2));
 }
 
-BENCHMARK(BM_SelectionModel_setSelection)
+BENCHMARK(writeMaster)
+    ->Name("selection/write_master/ours")
     ->ArgName("rows")
     ->RangeMultiplier(10)
     ->Range(10000, 1000000)
     ->Unit(benchmark::kMicrosecond);
-BENCHMARK(BM_SelectionModel_getSelections)
+BENCHMARK(readMaster)
+    ->Name("selection/read_master/ours")
     ->ArgName("rows")
     ->RangeMultiplier(10)
     ->Range(10000, 1000000)

@@ -59,7 +59,7 @@ private:
     std::string m_path;
 };
 
-void BM_StudyReader_read(benchmark::State& state)
+void readNumbers(benchmark::State& state)
 {
     const NumbersFile file(state.range(0));
     for (auto _ : state) {
@@ -71,7 +71,7 @@ void BM_StudyReader_read(benchmark::State& state)
 }
 
 /// The floor: libcsv takes the same text apart in memory and nobody looks at the fields.
-void BM_Libcsv_parse(benchmark::State& state)
+void parseByLibcsv(benchmark::State& state)
 {
     const std::string text = NumbersFile(state.range(0)).text();
     for (auto _ : state) {
@@ -90,12 +90,14 @@ void BM_Libcsv_parse(benchmark::State& state)
     state.SetItemsProcessed(state.iterations() * state.range(0) * columnCount);
 }
 
-BENCHMARK(BM_StudyReader_read)
+BENCHMARK(readNumbers)
+    ->Name("study/read/ours")
     ->ArgName("rows")
     ->RangeMultiplier(10)
     ->Range(100, 100000)
     ->Unit(benchmark::kMicrosecond);
-BENCHMARK(BM_Libcsv_parse)
+BENCHMARK(parseByLibcsv)
+    ->Name("study/read/libcsv")
     ->ArgName("rows")
     ->RangeMultiplier(10)
     ->Range(100, 100000)

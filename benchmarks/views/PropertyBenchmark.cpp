@@ -15,7 +15,7 @@ corvane::PropertyAbstract<double>& asAbstract(corvane::Property<double>& propert
 }
 
 /// A new value at each turn, told to as many listeners as the argument says.
-void BM_Property_setValue(benchmark::State& state)
+void setValue(benchmark::State& state)
 {
     corvane::Property<double> owned(0.0);
     corvane::PropertyAbstract<double>& property = asAbstract(owned);
@@ -33,7 +33,7 @@ void BM_Property_setValue(benchmark::State& state)
 }
 
 /// The value that is there already.
-void BM_Property_setSameValue(benchmark::State& state)
+void setSameValue(benchmark::State& state)
 {
     corvane::Property<double> owned(1.0);
     corvane::PropertyAbstract<double>& property = asAbstract(owned);
@@ -45,7 +45,7 @@ void BM_Property_setSameValue(benchmark::State& state)
     state.SetItemsProcessed(state.iterations());
 }
 
-BENCHMARK(BM_Property_setValue)->ArgName("listeners")->Arg(0)->Arg(1)->Arg(100);
-BENCHMARK(BM_Property_setSameValue);
+BENCHMARK(setValue)->Name("settings/set/ours")->ArgName("listeners")->Arg(0)->Arg(1)->Arg(100);
+BENCHMARK(setSameValue)->Name("settings/set_same/ours");
 
 } // namespace

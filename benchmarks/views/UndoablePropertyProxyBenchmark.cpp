@@ -34,18 +34,18 @@ void measureSetValue(benchmark::State& state, int undoId)
 }
 
 /// An entry in the history for each change.
-void BM_UndoablePropertyProxy_setValue(benchmark::State& state)
+void setUndoably(benchmark::State& state)
 {
     measureSetValue(state, -1);
 }
 
 /// One entry for all changes.
-void BM_UndoablePropertyProxy_setValueMerging(benchmark::State& state)
+void setMerging(benchmark::State& state)
 {
     measureSetValue(state, UndoStack::nextUndoID());
 }
 
-BENCHMARK(BM_UndoablePropertyProxy_setValue);
-BENCHMARK(BM_UndoablePropertyProxy_setValueMerging);
+BENCHMARK(setUndoably)->Name("settings/set_undoably/ours");
+BENCHMARK(setMerging)->Name("settings/set_merging/ours");
 
 } // namespace
