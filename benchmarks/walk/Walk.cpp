@@ -137,6 +137,11 @@ void Walk::measureWithUndo(const std::string& name, const std::function<void()>&
     }
 }
 
+void Walk::count(const std::string& counter, double value)
+{
+    m_steps.back().counters[counter] = value;
+}
+
 void Walk::turn()
 {
     // A timer comes after what is there already; painting is asked for by events.

@@ -10,7 +10,7 @@
 #include <QWidget>
 
 #include <functional>
-#include <optional>
+#include <map>
 #include <string>
 #include <vector>
 
@@ -29,6 +29,7 @@ public:
         std::string cause; ///< of the longest stall
         double untilIdleMs = 0.0; ///< from the beginning until all is painted that comes of it
         std::string problem; ///< what was refused; empty where all went well
+        std::map<std::string, double> counters = {}; ///< what else was measured
     };
 
     /// The application's watchdog is the walk's while it lives.
@@ -50,6 +51,9 @@ public:
     /// measure(), and the same for undoing what the action did, redoing and undoing it. \p keep leaves it done.
     void measureWithUndo(
         const std::string& name, const std::function<void()>& action, bool keep = false);
+
+    /// Adds to the step measured last.
+    void count(const std::string& counter, double value);
 
     /// Lets the loop deliver what is there and paint; for actions of several events.
     static void turn();

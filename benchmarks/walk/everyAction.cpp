@@ -28,6 +28,7 @@
 
 #include <boost/pointer_cast.hpp>
 
+#include <fstream>
 #include <limits>
 #include <optional>
 #include <set>
@@ -36,6 +37,8 @@
 #include <vector>
 
 #include <benchmarks/walk/everyAction.h>
+#include <malloc.h>
+#include <unistd.h>
 
 namespace {
 
@@ -58,6 +61,17 @@ Cases everyNth(std::size_t step)
         cases.insert(cases.end(), Project::project().caseID(row));
     }
     return cases;
+}
+
+/// What the program has in memory, without what it has freed.
+double residentBytes()
+{
+    malloc_trim(0);
+    std::ifstream file("/proc/self/statm");
+    std::size_t pages = 0;
+    std::size_t residentPages = 0;
+    file >> pages >> residentPages;
+    return static_cast<double>(residentPages) * static_cast<double>(sysconf(_SC_PAGESIZE));
 }
 
 /// A text as part of a name: "Open Study…" as "open_study".
@@ -124,10 +138,14 @@ public:
 
     void open()
     {
+        const double before = residentBytes();
         m_walk.measure("open_study", [this] { m_window.openStudy(m_study.path()); });
         if (Project::project().caseCount() == 0) {
             throw std::runtime_error("The study has not been opened.");
         }
+        m_walk.count(
+            "bytes_per_case",
+            (residentBytes() - before) / static_cast<double>(Project::project().caseCount()));
     }
 
     /// With the views that a study opens with: images, a chart, the table.

@@ -38,6 +38,9 @@ void registerSteps(const std::vector<Walk::Step>& steps, std::size_t cases)
                     state.SetIterationTime(step.untilIdleMs / second);
                 }
                 state.counters["longest_stall_ms"] = step.longestStallMs;
+                for (const auto& [counter, value] : step.counters) {
+                    state.counters[counter] = value;
+                }
                 state.SetLabel(step.cause);
                 if (!step.problem.empty()) {
                     state.SkipWithError(step.problem.c_str());
