@@ -1,4 +1,5 @@
 #include <analyzer/export/PainterContextDevice2D.h>
+#include <analyzer/views/Scatter3DPicture.h>
 
 #include <QFontMetricsF>
 #include <QPainterPath>
@@ -463,7 +464,8 @@ void PainterContextDevice2D::drawMarker(
     }
 }
 
-std::vector<QImage> PainterContextDevice2D::markerMasks(int shape, double size)
+std::vector<QImage> PainterContextDevice2D::masksOf(
+    double size, const std::function<void(QPainter&, const QPointF&)>& draw)
 {
     const int side = maskSide(size);
     std::vector<QImage> masks;
@@ -476,13 +478,11 @@ std::vector<QImage> PainterContextDevice2D::markerMasks(int shape, double size)
         painter.setPen(Qt::NoPen);
         painter.setBrush(Qt::white);
         const int middle = side / 2;
-        drawMarker(
+        draw(
             painter,
-            shape,
             QPointF(
                 middle + (phases.rem + 0.5) / maskPhases,
-                middle + (phases.quot + 0.5) / maskPhases),
-            size);
+                middle + (phases.quot + 0.5) / maskPhases));
         painter.end();
         masks.push_back(mask.convertToFormat(QImage::Format_Alpha8));
     }
@@ -492,12 +492,79 @@ std::vector<QImage> PainterContextDevice2D::markerMasks(int shape, double size)
 void PainterContextDevice2D::drawManyMarkers(
     int shape, const float* points, int n, const unsigned char* colors, int channels)
 {
-    // The marker is drawn once for every quarter of a pixel, then copied: a million of them take a moment, not minutes.
     const double size = Pen->GetWidth() * m_target.scale;
+    const bool isDisc = shape != VTK_MARKER_CROSS && shape != VTK_MARKER_PLUS
+        && shape != VTK_MARKER_SQUARE && shape != VTK_MARKER_DIAMOND;
+    if (isDisc && m_layer->image.width() < std::numeric_limits<std::uint16_t>::max()) {
+        drawManyDiscs(points, n, colors, channels);
+        return;
+    }
+    const std::vector<QImage> masks = masksOf(size, [&](QPainter& painter, const QPointF& middle) {
+        drawMarker(painter, shape, middle, size);
+    });
+    stamp(points, n, size, [&](int index, std::size_t phase, const QPoint& corner) {
+        blend(m_layer->image, masks[phase], corner, colorOf(colors, channels, index).rgba());
+    });
+}
+
+void PainterContextDevice2D::drawManyDiscs(
+    const float* points, int n, const unsigned char* colors, int channels)
+{
+    // What is hidden costs next to nothing there.
+    constexpr int places = 2;
+    constexpr int rgba = 4;
+    const auto count = static_cast<std::size_t>(n);
+    const QImage& layer = m_layer->image;
+    const double diameter = Pen->GetWidth() * m_target.scale;
+    std::vector<float> middles(count * places);
+    std::vector<std::uint32_t> order;
+    order.reserve(count);
+    std::vector<unsigned char> bytes(colors == nullptr ? 0 : count * rgba);
+    for (int i = 0; i < n; ++i) {
+        const QPointF middle =
+            (mapped(pointAt(points, i)) - m_layer->place.topLeft()) * m_target.scale;
+        // Also false for what is not finite.
+        const bool isNear = middle.x() > -diameter && middle.y() > -diameter
+            && middle.x() < layer.width() + diameter && middle.y() < layer.height() + diameter;
+        if (!isNear) {
+            continue;
+        }
+        const auto row = static_cast<std::size_t>(i);
+        order.push_back(static_cast<std::uint32_t>(i));
+        middles[row * places] = static_cast<float>(middle.x());
+        middles[row * places + 1] = static_cast<float>(layer.height() - middle.y());
+        if (colors != nullptr) {
+            const unsigned char* color = colors + row * static_cast<std::size_t>(channels);
+            unsigned char* bytesOfRow = bytes.data() + row * rgba;
+            std::copy(color, color + std::min(channels, rgba), bytesOfRow);
+            if (channels < rgba) {
+                bytesOfRow[rgba - 1] = opaque;
+            }
+        }
+    }
+    const QColor plain = colorOf(nullptr, 0, 0);
+    Scatter3DPicture picture;
+    picture.draw(
+        {middles.data(),
+         order,
+         colors == nullptr ? nullptr : bytes.data(),
+         {static_cast<unsigned char>(plain.red()),
+          static_cast<unsigned char>(plain.green()),
+          static_cast<unsigned char>(plain.blue()),
+          static_cast<unsigned char>(plain.alpha())}},
+        static_cast<float>(diameter),
+        layer.width(),
+        layer.height());
+    m_layer->painter->drawImage(m_layer->place, toImage(picture.image()));
+}
+
+template <class Blend>
+void PainterContextDevice2D::stamp(const float* points, int n, double size, const Blend& blendAt)
+{
+    // The marker is drawn once for every quarter of a pixel, then copied: a million of them take a moment, not minutes.
     const int side = maskSide(size);
-    const std::vector<QImage> masks = markerMasks(shape, size);
     m_layer->painter->end();
-    QImage& image = m_layer->image;
+    const QImage& image = m_layer->image;
     for (int i = 0; i < n; ++i) {
         const QPointF middle =
             (mapped(pointAt(points, i)) - m_layer->place.topLeft()) * m_target.scale;
@@ -513,11 +580,10 @@ void PainterContextDevice2D::drawManyMarkers(
             std::min(maskPhases - 1, static_cast<int>((middle.x() - wholeX) * maskPhases));
         const int phaseY =
             std::min(maskPhases - 1, static_cast<int>((middle.y() - wholeY) * maskPhases));
-        blend(
-            image,
-            masks[static_cast<std::size_t>(phaseY) * maskPhases + static_cast<std::size_t>(phaseX)],
-            QPoint(static_cast<int>(wholeX) - side / 2, static_cast<int>(wholeY) - side / 2),
-            colorOf(colors, channels, i).rgba());
+        blendAt(
+            i,
+            static_cast<std::size_t>(phaseY) * maskPhases + static_cast<std::size_t>(phaseX),
+            QPoint(static_cast<int>(wholeX) - side / 2, static_cast<int>(wholeY) - side / 2));
     }
     startLayerPainter();
 }
@@ -564,27 +630,50 @@ void PainterContextDevice2D::DrawPointSprites(
         }
     }
 
+    rings.erase(
+        std::remove_if(
+            rings.begin(), rings.end(), [](const Ring& ring) { return ring.color.alpha() == 0; }),
+        rings.end());
+    // Filled by the rule of odd and even.
+    const auto pathOf = [](const Ring& ring, const QPointF& place, double scale) {
+        QPainterPath path;
+        path.addEllipse(place, ring.outer * scale, ring.outer * scale);
+        if (ring.inner > 0.0) {
+            path.addEllipse(place, ring.inner * scale, ring.inner * scale);
+        }
+        return path;
+    };
+
     QPainter& target = pointPainter(static_cast<std::size_t>(n));
+    const double size = Pen->GetWidth();
+    if (isInLayer()) {
+        const double sizeInLayer = size * m_target.scale;
+        std::vector<std::vector<QImage>> masks;
+        masks.reserve(rings.size());
+        for (const Ring& ring : rings) {
+            masks.push_back(masksOf(sizeInLayer, [&](QPainter& painter, const QPointF& at) {
+                painter.drawPath(pathOf(ring, at, m_target.scale));
+            }));
+        }
+        stamp(points, n, sizeInLayer, [&](int /*index*/, std::size_t phase, const QPoint& corner) {
+            for (std::size_t ring = 0; ring < rings.size(); ++ring) {
+                blend(m_layer->image, masks[ring][phase], corner, rings[ring].color.rgba());
+            }
+        });
+        return;
+    }
     const QRectF box = clip();
     QPainterPath inside;
     inside.addRect(box);
     target.setPen(Qt::NoPen);
     for (int i = 0; i < n; ++i) {
         const QPointF place = mapped(pointAt(points, i));
-        const double size = Pen->GetWidth();
         const QRectF around(place.x() - size / 2.0, place.y() - size / 2.0, size, size);
         if (!isFinite(place) || !box.intersects(around)) {
             continue;
         }
         for (const Ring& ring : rings) {
-            if (ring.color.alpha() == 0) {
-                continue;
-            }
-            QPainterPath path; // filled by the rule of odd and even
-            path.addEllipse(place, ring.outer, ring.outer);
-            if (ring.inner > 0.0) {
-                path.addEllipse(place, ring.inner, ring.inner);
-            }
+            const QPainterPath path = pathOf(ring, place, 1.0);
             target.setBrush(ring.color);
             target.drawPath(box.contains(around) ? path : path.intersected(inside));
         }

@@ -18,6 +18,7 @@
 #include <vtkTextProperty.h>
 
 #include <cstddef>
+#include <functional>
 #include <map>
 #include <memory>
 #include <vector>
@@ -142,7 +143,16 @@ private:
     void drawManyMarkers(
         int shape, const float* points, int n, const unsigned char* colors, int channels);
     static void drawMarker(QPainter& painter, int shape, const QPointF& middle, double size);
-    [[nodiscard]] static std::vector<QImage> markerMasks(int shape, double size);
+    void drawManyDiscs(const float* points, int n, const unsigned char* colors, int channels);
+
+    /// What \p draw covers around the middle of a mark of \p size, for each place of the middle within a pixel.
+    [[nodiscard]] static std::vector<QImage> masksOf(
+        double size, const std::function<void(QPainter&, const QPointF&)>& draw);
+
+    /// Calls \p blendAt with the index of each point near the layer, the one of masksOf() that fits, and the place of its
+    /// corner; nothing else paints in the layer meanwhile.
+    template <class Blend>
+    void stamp(const float* points, int n, double size, const Blend& blendAt);
     void startLayerPainter();
     /// \p box is about \p place, before both are turned by \p angle degrees counterclockwise.
     void drawText(const vtkStdString& text, const QPointF& place, const QRectF& box, double angle);

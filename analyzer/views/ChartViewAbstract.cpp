@@ -1,5 +1,6 @@
 #include <analyzer/views/AxisMapping.h>
 #include <analyzer/views/AxisState.h>
+#include <analyzer/views/ChartCanvas.h>
 #include <analyzer/views/ChartViewAbstract.h>
 #include <analyzer/views/ChoiceSetting.h>
 #include <analyzer/views/HoveredCase.h>
@@ -155,7 +156,7 @@ ChartViewAbstract::ChartViewAbstract(const ViewServices& services, const std::st
     : DataViewAbstract(std::make_unique<Serializer>(domName), services.selection)
     , m_pipeline(services.pipeline)
     , m_selection(services.selection)
-    , m_widget(new QVTKOpenGLNativeWidget)
+    , m_widget(new ChartCanvas)
     , m_chart(vtkSmartPointer<ChartXY>::New())
     , m_filteredOutPlot(vtkSmartPointer<vtkPlotPoints>::New())
     , m_hovered(services.hovered ? services.hovered : boost::make_shared<HoveredCase>())

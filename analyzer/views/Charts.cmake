@@ -3,6 +3,7 @@ list(
     ANALYZER_VIEWS_SOURCES
     AxisState.cpp
     CaseCategories.cpp
+    ChartCanvas.cpp
     ChartViewAbstract.cpp
     ColorBarState.cpp
     LegendState.cpp

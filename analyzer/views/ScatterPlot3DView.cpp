@@ -1,6 +1,7 @@
 #include <analyzer/views/Chart3D.h>
 #include <analyzer/views/Chart3DColors.h>
 #include <analyzer/views/Chart3DMouse.h>
+#include <analyzer/views/ChartCanvas.h>
 #include <analyzer/views/ChartHover.h>
 #include <analyzer/views/ChoiceSetting.h>
 #include <analyzer/views/HoveredCase.h>
@@ -140,7 +141,7 @@ std::vector<float> placesInBox(vtkAbstractArray* column, const Chart3DAxis& axis
 ScatterPlot3DView::ScatterPlot3DView(const ViewServices& services)
     : DataViewAbstract(std::make_unique<Serializer>("ScatterPlot3D"), services.selection)
     , m_pipeline(services.pipeline)
-    , m_widget(new QVTKOpenGLNativeWidget)
+    , m_widget(new ChartCanvas)
     , m_chart(vtkSmartPointer<Chart3D>::New())
     , m_plot(vtkSmartPointer<Scatter3DPlot>::New())
 {
