@@ -28,12 +28,14 @@
 
 #include <boost/pointer_cast.hpp>
 
+#include <algorithm>
 #include <fstream>
 #include <limits>
 #include <optional>
 #include <set>
 #include <stdexcept>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include <benchmarks/walk/everyAction.h>
@@ -130,11 +132,18 @@ std::optional<std::string> anotherText(const SettingInterface& setting)
 class Walker
 {
 public:
-    Walker(Walk& walk, const WalkStudy& study)
+    Walker(Walk& walk, const WalkStudy& study, std::vector<std::string> kinds)
         : m_walk(walk)
         , m_window(walk.window())
         , m_study(study)
-    {}
+        , m_kinds(std::move(kinds))
+    {
+        if (m_kinds.empty()) {
+            m_kinds = analyzer::viewKinds();
+        } else {
+            m_window.setFirstViews(m_kinds);
+        }
+    }
 
     void open()
     {
@@ -151,16 +160,20 @@ public:
     /// With the views that a study opens with: images, a chart, the table.
     void useViews()
     {
-        useChart(viewOf("scatter"));
+        if (isOpen("scatter")) {
+            useChart(viewOf("scatter"));
+        }
         select();
-        useTable();
+        if (isOpen("table")) {
+            useTable();
+        }
         useFilters();
         useTags();
     }
 
     void useEachKind()
     {
-        for (const std::string& kind : analyzer::viewKinds()) {
+        for (const std::string& kind : m_kinds) {
             useKind(kind);
         }
     }
@@ -172,7 +185,10 @@ public:
         export_(QStringLiteral("Selected Cases…"), QStringLiteral("selected.csv"));
         export_(QStringLiteral("Pipeline Table…"), QStringLiteral("table.csv"));
         export_(QStringLiteral("Report…"), QStringLiteral("report.html"));
-        m_window.setActiveView(viewOf("scatter"));
+        m_window.setActiveView(m_window.views().front());
+        if (isOpen("scatter")) {
+            m_window.setActiveView(viewOf("scatter"));
+        }
         for (const char* ending : {"png", "svg", "pdf"}) {
             export_(
                 QStringLiteral("View as Picture…"),
@@ -189,7 +205,6 @@ public:
     void useMenus()
     {
         m_window.selection().setSelection(everyNth(hundredth));
-        m_window.setActiveView(viewOf("scatter"));
         std::vector<QAction*> actions;
         for (QAction* menu : m_window.menuBar()->actions()) {
             collect(*menu->menu(), actions);
@@ -220,6 +235,13 @@ private:
                 actions.push_back(action);
             }
         }
+    }
+
+    [[nodiscard]] bool isOpen(const std::string& kind) const
+    {
+        const auto views = m_window.views();
+        return std::any_of(
+            views.begin(), views.end(), [&](const View& view) { return view->kind() == kind; });
     }
 
     [[nodiscard]] View viewOf(const std::string& kind) const
@@ -469,14 +491,15 @@ private:
     Walk& m_walk;
     MainWindow& m_window;
     const WalkStudy& m_study;
+    std::vector<std::string> m_kinds; ///< of the views that are used
     std::set<QString> m_exported;
 };
 
 } // namespace
 
-void doEveryAction(Walk& walk, const WalkStudy& study)
+void doEveryAction(Walk& walk, const WalkStudy& study, const std::vector<std::string>& kinds)
 {
-    Walker walker(walk, study);
+    Walker walker(walk, study, kinds);
     walker.open();
     walker.useViews();
     walker.useEachKind();

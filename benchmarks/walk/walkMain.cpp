@@ -14,6 +14,7 @@
 #include <exception>
 #include <iomanip>
 #include <iostream>
+#include <sstream>
 #include <string>
 #include <vector>
 
@@ -82,26 +83,36 @@ void printByStall(std::vector<Walk::Step> steps)
     std::cout << std::flush;
 }
 
-/// The number after --cases=, which it takes off the arguments.
-std::size_t caseCount(int& argc, char** argv)
+/// What follows \p option, such as "--cases=", which it takes off the arguments; empty if it is not there.
+std::string take(const std::string& option, int& argc, char** argv)
 {
-    const std::string option = "--cases=";
-    std::size_t cases = defaultCases;
+    std::string value;
     char** const end = std::remove_if(argv + 1, argv + argc, [&](const char* argument) {
         const std::string text = argument;
         if (text.compare(0, option.size(), option) != 0) {
             return false;
         }
-        cases = std::stoul(text.substr(option.size()));
+        value = text.substr(option.size());
         return true;
     });
     argc = static_cast<int>(end - argv);
-    return cases;
+    return value;
+}
+
+std::vector<std::string> split(const std::string& text)
+{
+    std::vector<std::string> parts;
+    std::istringstream stream(text);
+    for (std::string part; std::getline(stream, part, ',');) {
+        parts.push_back(part);
+    }
+    return parts;
 }
 
 } // namespace
 
-/// The walk through everything that the analyzer can do, with a million cases or --cases=COUNT. It needs a display.
+/// The walk through everything that the analyzer can do. It needs a display. --cases=COUNT is for a study of another size
+/// than a million cases, --views=KIND,KIND for some views alone.
 int main(int argc, char** argv)
 {
     const QTemporaryDir settings;
@@ -113,7 +124,9 @@ int main(int argc, char** argv)
     QSurfaceFormat::setDefaultFormat(QVTKOpenGLNativeWidget::defaultFormat());
     analyzer::AnalyzerApplication application(argc, argv);
     try {
-        const std::size_t cases = caseCount(argc, argv);
+        const std::string count = take("--cases=", argc, argv);
+        const std::size_t cases = count.empty() ? defaultCases : std::stoul(count);
+        const std::vector<std::string> kinds = split(take("--views=", argc, argv));
         benchmark::Initialize(&argc, argv);
         if (benchmark::ReportUnrecognizedArguments(argc, argv)) {
             return EXIT_FAILURE;
@@ -122,7 +135,7 @@ int main(int argc, char** argv)
         Walk walk(application);
         walk.window().resize(1600, 1000);
         walk.window().show();
-        doEveryAction(walk, study);
+        doEveryAction(walk, study, kinds);
         registerSteps(walk.steps(), cases);
         registerLongest(walk.steps(), cases);
         benchmark::RunSpecifiedBenchmarks();
