@@ -94,6 +94,86 @@ void ColumnBuilder::store(std::size_t row, const char* text, std::size_t size)
     m_ends.setLast(row, m_bytes.size());
 }
 
+void ColumnBuilder::restartAsPartOf(const ColumnBuilder& whole)
+{
+    m_mode = whole.m_mode;
+    m_decimalComma = whole.m_decimalComma;
+    m_hasCommas = false;
+    m_hasPoints = false;
+    m_holdsNumbers = false;
+    m_holdsWords = false;
+    m_holdsAnything = false;
+    m_holdsSpelling = false;
+    m_reason = whole.m_reason;
+    m_example.clear();
+    m_numbers.resize(0, 0.0);
+    m_bytes.resize(0, '\0');
+    m_ends.resize(0, 0);
+}
+
+void ColumnBuilder::append(std::size_t row, const ColumnBuilder& part, std::size_t partRows)
+{
+    m_hasCommas = m_hasCommas || part.m_hasCommas;
+    m_hasPoints = m_hasPoints || part.m_hasPoints;
+    m_holdsWords = m_holdsWords || part.m_holdsWords;
+    m_holdsAnything = m_holdsAnything || part.m_holdsAnything || part.m_holdsNumbers;
+    if (m_mode == Mode::Done || partRows == 0) {
+        return;
+    }
+    if (m_mode == Mode::Numbers && part.m_mode == Mode::Numbers) {
+        m_numbers.resize(row, 0.0);
+        m_numbers.append(part.m_numbers.data(), partRows);
+        m_holdsNumbers = m_holdsNumbers || part.m_holdsNumbers;
+        m_holdsSpelling = m_holdsSpelling || part.m_holdsSpelling;
+        return;
+    }
+    appendSpellings(row, part, partRows);
+    if (part.m_reason == TextReason::Texts || m_reason == TextReason::None) {
+        m_reason = part.m_reason;
+        m_example = part.m_example;
+    }
+}
+
+void ColumnBuilder::appendSpellings(
+    std::size_t row, const ColumnBuilder& part, std::size_t partRows)
+{
+    if (m_mode == Mode::Unkept) {
+        return;
+    }
+    const bool isPartKept = part.m_mode == Mode::Texts
+        || (part.m_mode == Mode::Numbers && !part.m_holdsNumbers && !part.m_holdsSpelling);
+    if (!isPartKept || (m_mode == Mode::Numbers && (m_holdsNumbers || m_holdsSpelling))) {
+        m_mode = Mode::Unkept;
+        m_numbers = {};
+        m_bytes = {};
+        m_ends = {};
+        return;
+    }
+    if (m_mode == Mode::Numbers) {
+        m_mode = Mode::Texts;
+        m_numbers = {};
+        m_ends.resize(row, 0);
+    }
+    m_bytes.resize(row == 0 ? 0 : m_ends[row - 1], '\0');
+    m_ends.resize(row, 0);
+    const std::size_t begin = m_bytes.size();
+    if (part.m_mode == Mode::Numbers) {
+        m_ends.resize(row + partRows, begin);
+        return;
+    }
+    m_bytes.append(part.m_bytes.data(), part.m_ends[partRows - 1]);
+    for (std::size_t index = 0; index < partRows; ++index) {
+        m_ends.setLast(row + index, begin + part.m_ends[index]);
+    }
+}
+
+void ColumnBuilder::expectRows(std::size_t rows)
+{
+    if (m_mode == Mode::Numbers) {
+        m_numbers.expect(rows);
+    }
+}
+
 void ColumnBuilder::endFirstPass()
 {
     m_holdsAnything = m_holdsAnything || m_holdsNumbers;

@@ -56,6 +56,24 @@ public:
         return true;
     }
 
+    /// Sets the cell in \p row likewise if the field that begins at \p text and ends at \p delimiter, a line end or
+    /// \p end is a number and the column one of numbers. Returns the end of the field, else null.
+    const char* putNumber(std::size_t row, const char* text, const char* end, char delimiter)
+    {
+        if (m_mode != Mode::Numbers || m_decimalComma) {
+            return nullptr;
+        }
+        double value = 0.0;
+        const char* last = parsePlainNumber(text, end, value);
+        if (last == nullptr
+            || (last != end && *last != delimiter && *last != '\n' && *last != '\r')) {
+            return nullptr;
+        }
+        m_numbers.setLast(row, value);
+        m_holdsNumbers = true;
+        return last;
+    }
+
     /// Sets the cell in \p row likewise, to nothing.
     void putMissing(std::size_t row) { put(row, "", 0); }
 
@@ -87,6 +105,19 @@ public:
     /// From here on put() fills what the first pass could not keep; other columns stay as they are.
     void beginSecondPass();
 
+    // ---- in parts
+
+    /// Makes this the builder of a part of \p whole, a column of the same table: empty, in the same pass.
+    void restartAsPartOf(const ColumnBuilder& whole);
+
+    /// Sets the cells from \p row on to those of the first \p partRows rows of \p part, which was restarted as a part
+    /// of this column. Both passes end as if each cell had been put here, but a column of texts may ask for a second
+    /// pass that would not have to otherwise.
+    void append(std::size_t row, const ColumnBuilder& part, std::size_t partRows);
+
+    /// Asks for room for \p rows numbers.
+    void expectRows(std::size_t rows);
+
     // ---- when all is read
 
     /// The text in \p row of a column of texts; valid until the column is taken.
@@ -111,6 +142,7 @@ private:
     bool putOther(std::size_t row, FieldKind kind, const char* text, std::size_t size);
     bool putText(std::size_t row, const char* text, std::size_t size);
     void store(std::size_t row, const char* text, std::size_t size);
+    void appendSpellings(std::size_t row, const ColumnBuilder& part, std::size_t partRows);
     void becomeTexts(std::size_t row, FieldKind kind, std::string_view text);
 
     Mode m_mode;

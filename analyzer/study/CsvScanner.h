@@ -77,6 +77,15 @@ public:
         }
     }
 
+    /// Whether what was fed ended with the end of a row.
+    [[nodiscard]] bool isBetweenRows() const
+    {
+        return !m_rowHasFields && m_parser.quoted == 0 && m_parser.entry_pos == 0 && !m_closed;
+    }
+
+    /// Line ends so far.
+    [[nodiscard]] std::size_t lineEnds() const { return m_line - 1; }
+
     static constexpr std::size_t maxFieldBytes = std::size_t{64} << 20U;
 
 private:

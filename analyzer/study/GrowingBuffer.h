@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <cstdlib>
 #include <cstring>
+#include <limits>
 #include <new>
 #include <type_traits>
 #include <utility>
@@ -66,6 +67,19 @@ public:
         }
         std::memcpy(m_values + m_size, values, count * sizeof(Value));
         m_size += count;
+    }
+
+    /// Asks for room for \p size values in all, which costs nothing before it is used. No harm is done where there is
+    /// none.
+    void expect(std::size_t size)
+    {
+        if (size <= m_capacity || size > std::numeric_limits<std::size_t>::max() / sizeof(Value)) {
+            return;
+        }
+        if (void* values = std::realloc(m_values, size * sizeof(Value))) {
+            m_values = static_cast<Value*>(values);
+            m_capacity = size;
+        }
     }
 
     /// Keeps the first \p size values, or adds \p filling behind them.

@@ -3,11 +3,13 @@
 #include <analyzer/study/ReadProgress.h>
 #include <analyzer/study/StudyReport.h>
 #include <analyzer/study/TableBuilder.h>
+#include <analyzer/study/forEachInThreads.h>
 #include <analyzer/study/sentenceText.h>
 #include <analyzer/study/variableNature.h>
 
 #include <dataviews/platform/data/Project.h>
 
+#include <atomic>
 #include <string_view>
 #include <vector>
 
@@ -25,19 +27,41 @@ bool isBlankText(std::string_view text)
 } // namespace
 
 ProjectFiller::ProjectFiller(
-    const StudyLocation& location, ReadProgress& progress, StudyReport& report)
+    const StudyLocation& location, ReadProgress& progress, StudyReport& report, std::size_t threads)
     : m_location(location)
     , m_progress(progress)
     , m_report(report)
+    , m_threads(threads)
 {}
 
-void ProjectFiller::fill(Project& project, TableBuilder& table)
+void ProjectFiller::fill(Project& project, TableBuilder& table, std::size_t work)
 {
     m_rows = table.rows();
     project.setSource(m_location.name, m_location.tablePath);
     project.setCaseCount(m_rows);
     noteValueLikeHeader(table);
     const std::vector<HeaderColumn> columns = headerColumns(table.header());
+
+    struct Made
+    {
+        vtkSmartPointer<vtkAbstractArray> array; ///< null for images, and for what is left out
+        Variable::Nature nature = Variable::Output;
+    };
+
+    std::vector<Made> made(columns.size());
+    forEachInThreads(columns.size(), m_threads, [&](std::size_t index) {
+        m_progress.throwIfCancelled();
+        const HeaderColumn& column = columns[index];
+        ColumnBuilder& values = table.columns()[index];
+        if (!(column.isNameless && !values.holdsAnything()) && !holdsImages(column, values)) {
+            made[index].array = values.take(column.name, m_rows, m_progress);
+            made[index].nature = column.nature
+                ? *column.nature
+                : variableNature(Variable(made[index].array, Variable::Output), m_progress);
+        }
+        m_progress.advance(work / columns.size());
+    });
+
     for (std::size_t index = 0; index < columns.size(); ++index) {
         m_progress.throwIfCancelled();
         const HeaderColumn& column = columns[index];
@@ -51,25 +75,32 @@ void ProjectFiller::fill(Project& project, TableBuilder& table)
         if (!column.note.empty()) {
             m_report.notes.push_back(column.note);
         }
-        if (holdsImages(column, values)) {
-            addImages(project, column, values);
-        } else {
+        if (made[index].array != nullptr) {
             noteTexts(column, values);
-            addVariable(project, column, values);
+            project.addVariable(made[index].array, made[index].nature);
+        } else {
+            addImages(project, column, values);
         }
         values = ColumnBuilder(false, false);
     }
+    countMissing(project);
     m_report.cases = m_rows;
     m_report.variables = project.variables().size();
     m_report.images = project.auxFileCount();
 }
 
-void ProjectFiller::addVariable(Project& project, const HeaderColumn& column, ColumnBuilder& values)
+void ProjectFiller::countMissing(const Project& project)
 {
-    const vtkSmartPointer<vtkAbstractArray> array = values.take(column.name, m_rows, m_progress);
-    const WeakPtr<Variable> added = project.addVariable(
-        array, column.nature ? *column.nature : variableNature(array, m_progress));
-    m_report.missingValues += added.lock()->missingCount();
+    const std::vector<WeakPtr<Variable>>& variables = project.variables();
+    std::atomic<std::size_t> missing{0};
+    forEachInThreads(variables.size(), m_threads, [&](std::size_t index) {
+        m_progress.throwIfCancelled();
+        const boost::shared_ptr<Variable> variable = variables[index].lock();
+        missing += variable->missingCount();
+        // Views ask for it first, and it is kept.
+        static_cast<void>(variable->distinctValueCount());
+    });
+    m_report.missingValues += missing;
 }
 
 bool ProjectFiller::holdsImages(const HeaderColumn& column, const ColumnBuilder& paths) const

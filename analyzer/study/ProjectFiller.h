@@ -19,15 +19,19 @@ struct StudyReport;
 class ProjectFiller
 {
 public:
-    /// Counts and notes go to \p report. All references outlive the filler.
-    ProjectFiller(const StudyLocation& location, ReadProgress& progress, StudyReport& report);
+    /// Counts and notes go to \p report. All references outlive the filler. \p threads, at least 1, may work.
+    ProjectFiller(
+        const StudyLocation& location,
+        ReadProgress& progress,
+        StudyReport& report,
+        std::size_t threads);
 
-    /// Fills \p project, a new one, and empties the columns of \p table.
+    /// Fills \p project, a new one, and empties the columns of \p table. Advances the progress by \p work.
     /// \throws ReadCancelled
-    void fill(Project& project, TableBuilder& table);
+    void fill(Project& project, TableBuilder& table, std::size_t work);
 
 private:
-    void addVariable(Project& project, const HeaderColumn& column, ColumnBuilder& values);
+    void countMissing(const Project& project);
     void addImages(Project& project, const HeaderColumn& column, const ColumnBuilder& paths);
     [[nodiscard]] bool holdsImages(const HeaderColumn& column, const ColumnBuilder& paths) const;
     void noteTexts(const HeaderColumn& column, const ColumnBuilder& values);
@@ -36,6 +40,7 @@ private:
     const StudyLocation& m_location;
     ReadProgress& m_progress;
     StudyReport& m_report;
+    std::size_t m_threads;
     std::size_t m_rows = 0;
     std::size_t m_listedImages = 0;
 };

@@ -1,7 +1,11 @@
 #pragma once
 
+#include <analyzer/study/TablePreview.h>
+
 #include <atomic>
 #include <cstddef>
+#include <mutex>
+#include <optional>
 
 namespace analyzer {
 
@@ -16,10 +20,15 @@ public:
 
     [[nodiscard]] bool isCancelled() const { return m_cancelled; }
 
-    /// From 0 to 1, never falling.
+    /// From 0 to 1, never falling, for one thread that asks.
     [[nodiscard]] double fraction() const;
 
+    /// The first rows of the table, once, as soon as the reader has them.
+    [[nodiscard]] std::optional<TablePreview> takePreview();
+
     // ---- for the reader
+
+    void setPreview(TablePreview preview);
 
     /// \throws ReadCancelled if the reader shall stop.
     void throwIfCancelled() const;
@@ -33,8 +42,11 @@ public:
         }
     }
 
-    /// Announces \p bytes of work.
-    void setTotal(std::size_t bytes) { m_totalBytes = bytes; }
+    /// Announces \p bytes of work besides what was announced before.
+    void addTotal(std::size_t bytes) { m_totalBytes += bytes; }
+
+    /// Tells that all is done.
+    void finish() { m_doneBytes = m_totalBytes.load(); }
 
     /// Tells that \p bytes more are done.
     void advance(std::size_t bytes) { m_doneBytes += bytes; }
@@ -43,6 +55,9 @@ private:
     std::atomic<std::size_t> m_doneBytes{0};
     std::atomic<std::size_t> m_totalBytes{0};
     std::atomic<bool> m_cancelled{false};
+    mutable std::atomic<double> m_shown{0.0}; ///< the largest fraction told
+    std::mutex m_previewMutex;
+    std::optional<TablePreview> m_preview;
 };
 
 } // namespace analyzer

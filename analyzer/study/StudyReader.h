@@ -25,8 +25,22 @@ struct ReadStudy
 class StudyReader
 {
 public:
-    /// \p chunkBytes of the file are in memory at a time, at least 1.
-    explicit StudyReader(std::size_t chunkBytes = TableFile::defaultChunkBytes);
+    /// How a reader takes a table apart. What it reads does not depend on that.
+    struct Pieces
+    {
+        std::size_t headBytes; ///< are read first
+        std::size_t blockBytes; ///< for each thread, at least 1
+        unsigned threads; ///< 0 to read from end to end
+        std::size_t chunkBytes; ///< where blocks will not do, at least 1
+    };
+
+    /// Reads in blocks on all cores.
+    StudyReader();
+
+    explicit StudyReader(const Pieces& pieces);
+
+    /// Reads from end to end, with \p chunkBytes of the file in memory at a time, at least 1.
+    explicit StudyReader(std::size_t chunkBytes);
 
     /// Reads the study at \p path, a file or a folder (UTF-8).
     ///
@@ -42,7 +56,7 @@ public:
     [[nodiscard]] ReadStudy read(const std::string& path, ReadProgress& progress) const;
 
 private:
-    std::size_t m_chunkBytes;
+    Pieces m_pieces;
 };
 
 /// Reads the study at \p path with a StudyReader.

@@ -12,4 +12,12 @@ void StudyReport::addRefusedLine(std::size_t line, std::string reason)
     }
 }
 
+void StudyReport::addRefusedLines(const StudyReport& part, std::size_t linesBefore)
+{
+    for (const RefusedLine& refused : part.refusedLines) {
+        addRefusedLine(linesBefore + refused.line, refused.reason);
+    }
+    refusedLineCount += part.refusedLineCount - part.refusedLines.size();
+}
+
 } // namespace analyzer

@@ -35,6 +35,9 @@ struct StudyReport
 
     void addRefusedLine(std::size_t line, std::string reason);
 
+    /// Adds the refused lines of \p part, a report on the lines behind the first \p linesBefore.
+    void addRefusedLines(const StudyReport& part, std::size_t linesBefore);
+
     /// Lines and images that are told one by one; of the others there is the count.
     static constexpr std::size_t maxListed = 100;
 };

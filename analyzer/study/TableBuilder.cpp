@@ -79,7 +79,47 @@ void TableBuilder::endHeader()
     }
     m_columns.reserve(m_header.size());
     for (const std::string& name : m_header) {
-        m_columns.emplace_back(m_format.decimalComma, isFileColumn(name));
+        m_columns.emplace_back(m_format.hasDecimalCommas(), isFileColumn(name));
+    }
+}
+
+void TableBuilder::restartAsPartOf(const TableBuilder& whole)
+{
+    m_report = {};
+    while (m_columns.size() < whole.m_columns.size()) {
+        m_columns.emplace_back(m_format.hasDecimalCommas(), false);
+    }
+    for (std::size_t column = 0; column < m_columns.size(); ++column) {
+        m_columns[column].restartAsPartOf(whole.m_columns[column]);
+    }
+    m_column = 0;
+    m_rows = 0;
+    m_filledCells = 0;
+    m_cellsOfShortRows = 0;
+    m_inHeader = false;
+    m_inSecondPass = whole.m_inSecondPass;
+    m_rowHoldsAnything = false;
+}
+
+bool TableBuilder::append(const TableBuilder& part, std::size_t linesBefore)
+{
+    m_filledCells += part.m_filledCells;
+    m_cellsOfShortRows += part.m_cellsOfShortRows;
+    if (m_filledCells > freelyFilledCells || part.m_rows > maxRows - m_rows) {
+        return false;
+    }
+    for (std::size_t column = 0; column < m_columns.size(); ++column) {
+        m_columns[column].append(m_rows, part.m_columns[column], part.m_rows);
+    }
+    m_rows += part.m_rows;
+    m_report.addRefusedLines(part.m_report, linesBefore);
+    return true;
+}
+
+void TableBuilder::expectRows(std::size_t rows)
+{
+    for (ColumnBuilder& column : m_columns) {
+        column.expectRows(rows);
     }
 }
 

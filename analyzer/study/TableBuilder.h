@@ -19,19 +19,53 @@ class TableBuilder
 public:
     struct Format
     {
-        bool decimalComma = false;
+        char delimiter = ',';
         bool isLatin1 = false;
+
+        /// Where it parts the fields, a comma is no decimal sign.
+        [[nodiscard]] bool hasDecimalCommas() const { return delimiter == ';'; }
     };
 
     TableBuilder(Format format, StudyReport& report);
 
-    // ---- for CsvScanner
+    [[nodiscard]] const Format& format() const { return m_format; }
+
+    // ---- for CsvScanner and PlainScanner
+
+    /// See PlainScanner.
+    const char* number(const char* text, const char* end)
+    {
+        if (m_inHeader || m_column >= m_columns.size()) {
+            return nullptr;
+        }
+        const char* fieldEnd = m_columns[m_column].putNumber(m_rows, text, end, m_format.delimiter);
+        if (fieldEnd != nullptr) {
+            ++m_column;
+            m_rowHoldsAnything = true;
+        }
+        return fieldEnd;
+    }
 
     /// \throws CsvError for too many columns.
     void field(const char* text, std::size_t size);
 
     /// \throws CsvError for too many rows.
     void endRow(std::size_t line);
+
+    // ---- in parts
+
+    /// Whether the header is behind, so that parts may follow.
+    [[nodiscard]] bool isBehindHeader() const { return !m_inHeader; }
+
+    /// Makes this the builder of some rows of \p whole, a table behind its header; empties the report of this one.
+    void restartAsPartOf(const TableBuilder& whole);
+
+    /// Adds the rows of \p part, which lie behind the first \p linesBefore lines. False, and this is of no more use, if
+    /// the table must be built row by row to tell what is wrong with it.
+    [[nodiscard]] bool append(const TableBuilder& part, std::size_t linesBefore);
+
+    /// Asks for room for \p rows cases.
+    void expectRows(std::size_t rows);
 
     // ---- between the passes
 

@@ -96,9 +96,26 @@ std::string_view TableFile::next()
     if (wanted == 0) {
         return {};
     }
+    const std::size_t got = readSome(m_place, m_chunk.data(), wanted);
+    m_place += got;
+    return {m_chunk.data(), got};
+}
+
+void TableFile::read(std::size_t place, char* bytes, std::size_t size) const
+{
+    while (size > 0) {
+        const std::size_t got = readSome(place, bytes, size);
+        place += got;
+        bytes += got;
+        size -= got;
+    }
+}
+
+std::size_t TableFile::readSome(std::size_t place, char* bytes, std::size_t size) const
+{
     ssize_t got = 0;
     do {
-        got = pread(m_descriptor, m_chunk.data(), wanted, static_cast<off_t>(m_place));
+        got = pread(m_descriptor, bytes, size, static_cast<off_t>(place));
     } while (got < 0 && errno == EINTR);
     if (got < 0) {
         throw StudyError(m_path, reasonOf(errno));
@@ -106,8 +123,7 @@ std::string_view TableFile::next()
     if (got == 0) {
         throw StudyError(m_path, "the file became shorter while it was read");
     }
-    m_place += static_cast<std::size_t>(got);
-    return {m_chunk.data(), static_cast<std::size_t>(got)};
+    return static_cast<std::size_t>(got);
 }
 
 void TableFile::requireUnchanged() const

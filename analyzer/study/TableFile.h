@@ -32,12 +32,18 @@ public:
     /// \throws StudyError if they cannot be read or the file became shorter.
     [[nodiscard]] std::string_view next();
 
+    /// Reads \p size bytes from byte \p place on into \p bytes. Any number of threads may do so at a time.
+    /// \throws StudyError likewise.
+    void read(std::size_t place, char* bytes, std::size_t size) const;
+
     /// \throws StudyError if the file changed since it was opened.
     void requireUnchanged() const;
 
     static constexpr std::size_t defaultChunkBytes = std::size_t{256} << 10U;
 
 private:
+    [[nodiscard]] std::size_t readSome(std::size_t place, char* bytes, std::size_t size) const;
+
     std::string m_path;
     std::vector<char> m_chunk;
     int m_descriptor = -1;

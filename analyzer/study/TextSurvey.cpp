@@ -61,9 +61,7 @@ void requireNoControls(TableFile& file, const TextSurvey& survey, ReadProgress& 
     }
 }
 
-} // namespace
-
-TextSurvey surveyText(TableFile& file, ReadProgress& progress)
+TextSurvey surveyBegin(TableFile& file)
 {
     TextSurvey survey;
     constexpr std::size_t markBytes = 3;
@@ -73,7 +71,41 @@ TextSurvey surveyText(TableFile& file, ReadProgress& progress)
     }
     survey.begin = startsWith(head, "\xef\xbb\xbf") ? markBytes : 0;
     survey.end = file.size();
+    return survey;
+}
 
+void cutCtrlZ(TextSurvey& survey, char last)
+{
+    if (last == ctrlZ) {
+        --survey.end;
+        survey.endedByCtrlZ = true;
+    }
+}
+
+void requireText(const TableFile& file, const TextSurvey& survey)
+{
+    if (survey.begin == survey.end) {
+        throw StudyError(file.path(), "the file is empty");
+    }
+}
+
+} // namespace
+
+TextSurvey supposeText(TableFile& file)
+{
+    TextSurvey survey = surveyBegin(file);
+    if (survey.end > survey.begin) {
+        char last = '\0';
+        file.read(survey.end - 1, &last, 1);
+        cutCtrlZ(survey, last);
+    }
+    requireText(file, survey);
+    return survey;
+}
+
+TextSurvey surveyText(TableFile& file, ReadProgress& progress)
+{
+    TextSurvey survey = surveyBegin(file);
     Utf8Checker checker;
     std::optional<std::size_t> firstForeign;
     char last = '\0';
@@ -97,13 +129,8 @@ TextSurvey surveyText(TableFile& file, ReadProgress& progress)
     if (!firstForeign && !checker.isComplete()) {
         firstForeign = survey.end;
     }
-    if (last == ctrlZ) {
-        --survey.end;
-        survey.endedByCtrlZ = true;
-    }
-    if (survey.begin == survey.end) {
-        throw StudyError(file.path(), "the file is empty");
-    }
+    cutCtrlZ(survey, last);
+    requireText(file, survey);
     if (firstForeign) {
         requireNoControls(file, survey, progress);
         survey.isLatin1 = true;

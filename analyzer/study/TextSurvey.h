@@ -17,6 +17,10 @@ struct TextSurvey
     bool endedByCtrlZ = false;
 };
 
+/// Supposes that the whole of \p file is text in UTF-8: what its first and last bytes tell.
+/// \throws StudyError if it is empty or begins as UTF-16 text does.
+[[nodiscard]] TextSurvey supposeText(TableFile& file);
+
 /// Looks over \p file, advancing \p progress by its size.
 /// \throws StudyError if the file is empty, or no text: it holds NUL bytes, or is neither UTF-8 nor free of control
 /// characters.

@@ -71,6 +71,27 @@ inline FieldKind parseWord(const char* first, const char* letters, const char* l
     return isMissing ? FieldKind::MissingWord : FieldKind::Text;
 }
 
+/// What a number is, spelled by all from \p digits, behind the sign, to \p last.
+inline FieldKind kindOfNumber(const char* digits, const char* last, double value)
+{
+    constexpr std::ptrdiff_t digitsAlwaysExact = 15;
+    const bool mayHaveZeros = *digits == '0' && last - digits > 1 && isDigit(digits[1]);
+    if (mayHaveZeros || last - digits > digitsAlwaysExact) {
+        constexpr double largestExact = 9007199254740992.0; // 2^53
+        const bool isWhole = std::all_of(digits, last, isDigit);
+        if (isWhole && mayHaveZeros) {
+            return FieldKind::LeadingZeros;
+        }
+        // 2^53 + 1 is rounded to 2^53, hence the look at the last digit.
+        if (isWhole
+            && (std::abs(value) > largestExact
+                || (std::abs(value) == largestExact && last[-1] != '2'))) {
+            return FieldKind::BeyondExact;
+        }
+    }
+    return std::isinf(value) ? FieldKind::BeyondExact : FieldKind::Number;
+}
+
 } // namespace fields
 
 /// Tells what \p text is and sets \p value where it is a number. \p decimal is the sign between the whole and the
@@ -100,22 +121,21 @@ inline FieldKind parseField(const char* text, std::size_t size, char decimal, do
     if (result.ec == std::errc::invalid_argument || result.ptr != last) {
         return FieldKind::Text;
     }
-    constexpr std::ptrdiff_t digitsAlwaysExact = 15;
-    const bool mayHaveZeros = *digits == '0' && last - digits > 1 && fields::isDigit(digits[1]);
-    if (mayHaveZeros || last - digits > digitsAlwaysExact) {
-        constexpr double largestExact = 9007199254740992.0; // 2^53
-        const bool isWhole = std::all_of(digits, last, fields::isDigit);
-        if (isWhole && mayHaveZeros) {
-            return FieldKind::LeadingZeros;
-        }
-        // 2^53 + 1 is rounded to 2^53, hence the look at the last digit.
-        if (isWhole
-            && (std::abs(value) > largestExact
-                || (std::abs(value) == largestExact && last[-1] != '2'))) {
-            return FieldKind::BeyondExact;
-        }
+    return fields::kindOfNumber(digits, last, value);
+}
+
+/// Sets \p value to the number that the text from \p text to \p end begins with, and returns the end of it. Null where
+/// parseField() has to look: at blanks, a plus sign, a word, and numbers that are no FieldKind::Number.
+inline const char* parsePlainNumber(const char* text, const char* end, double& value)
+{
+    const char* digits = text != end && *text == '-' ? text + 1 : text;
+    if (digits == end || (!fields::isDigit(*digits) && *digits != '.')) {
+        return nullptr;
     }
-    return std::isinf(value) ? FieldKind::BeyondExact : FieldKind::Number;
+    const auto result = fast_float::from_chars(text, end, value);
+    const bool isNumber = result.ec != std::errc::invalid_argument
+        && fields::kindOfNumber(digits, result.ptr, value) == FieldKind::Number;
+    return isNumber ? result.ptr : nullptr;
 }
 
 } // namespace analyzer

@@ -5,6 +5,7 @@
 #include <vtkDoubleArray.h>
 #include <vtkStringArray.h>
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <functional>
@@ -19,6 +20,9 @@ namespace {
 template <class Value>
 bool allDiffer(const Value* values, std::size_t count, const ReadProgress& progress)
 {
+    if (std::adjacent_find(values, values + count, std::greater_equal<Value>()) == values + count) {
+        return true; // in ascending order, as most identifiers are
+    }
     constexpr std::uint32_t free = 0xffffffffU;
     std::size_t slots = 16;
     while (slots < 2 * count) {
@@ -55,11 +59,9 @@ bool allDiffer(const Variable& variable, const ReadProgress& progress)
 
 } // namespace
 
-Variable::Nature variableNature(
-    const vtkSmartPointer<vtkAbstractArray>& column, const ReadProgress& progress)
+Variable::Nature variableNature(const Variable& variable, const ReadProgress& progress)
 {
-    const Variable variable(column, Variable::Output);
-    const auto cases = static_cast<std::size_t>(column->GetNumberOfTuples());
+    const auto cases = static_cast<std::size_t>(variable.column().GetNumberOfTuples());
     const std::size_t distinct = variable.distinctValueCount();
     if (distinct >= 2 && distinct <= Variable::maxDistinctValues && distinct <= cases / 2) {
         return Variable::Input;

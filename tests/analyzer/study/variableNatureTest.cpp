@@ -87,6 +87,8 @@ TEST(variableNatureTest, FollowsTheValues)
           Case{"different texts", texts(1000, [](int row) { return row; }), Variable::Identifier},
           Case{"a text twice", texts(1000, [](int row) { return row % 999; }), Variable::Output},
           Case{"few texts", texts(10, [](int row) { return row % 5; }), Variable::Input}}) {
-        EXPECT_EQ(variableNature(expected.column, progress), expected.nature) << expected.values;
+        EXPECT_EQ(
+            variableNature(Variable(expected.column, Variable::Output), progress), expected.nature)
+            << expected.values;
     }
 }
