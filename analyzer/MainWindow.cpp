@@ -34,6 +34,7 @@
 #include <dataviews/common/export/SurrogateModelCSVExporter.h>
 #include <dataviews/common/images/AsyncImageCache.h>
 #include <dataviews/common/images/ImageCache.h>
+#include <dataviews/common/images/ThumbnailedImageReader.h>
 #include <dataviews/common/selection/RecordTableUtils.h>
 #include <dataviews/common/views/CvWaitCursor.h>
 
@@ -127,7 +128,10 @@ MainWindow::MainWindow()
     , m_pipeline(std::make_unique<DataPipelineManager>(Project::project()))
     , m_filters(std::make_unique<FilterList>(*m_pipeline))
     , m_images(boost::make_shared<ImageCache>())
-    , m_scaledImages(boost::make_shared<AsyncImageCache>())
+    , m_scaledImages(boost::make_shared<AsyncImageCache>(
+          AsyncImageCache::defaultBudgetBytes,
+          AsyncImageCache::defaultThreadCount(),
+          ThumbnailedImageReader::desktopDecode()))
     , m_hovered(boost::make_shared<HoveredCase>())
     , m_tags(std::make_unique<TagEditor>(*m_filters))
     , m_loader(new StudyLoader(this))

@@ -23,7 +23,7 @@ void checkLeaksNow()
 
 } // namespace
 
-/// Test programs with widgets: an application object, and settings of their own that vanish afterwards.
+/// Test programs with widgets: an application object, and settings and caches of their own that vanish afterwards.
 int main(int argc, char** argv)
 {
     testing::InitGoogleMock(&argc, argv);
@@ -32,6 +32,9 @@ int main(int argc, char** argv)
     if (!qEnvironmentVariableIsSet("XDG_RUNTIME_DIR")) {
         qputenv("XDG_RUNTIME_DIR", runtimeFolder.path().toLocal8Bit());
     }
+    // Nothing goes to the thumbnails of whoever runs the tests.
+    const QTemporaryDir cacheFolder;
+    qputenv("XDG_CACHE_HOME", cacheFolder.path().toLocal8Bit());
     QSurfaceFormat::setDefaultFormat(QVTKOpenGLNativeWidget::defaultFormat());
     QApplication::setOrganizationName(QStringLiteral("DataViews"));
     QApplication::setApplicationName(QStringLiteral("DataViewsTest"));

@@ -319,6 +319,11 @@ bool liesOnItsSide(const Look& look)
     return look.transformation.testFlag(QImageIOHandler::TransformationRotate90);
 }
 
+QSize uprightSize(const Look& look)
+{
+    return liesOnItsSide(look) ? look.size.transposed() : look.size;
+}
+
 QImage readWhole(const Look& look)
 {
     QImage image;
@@ -328,8 +333,8 @@ QImage readWhole(const Look& look)
 
 QImage readScaled(const Look& look, const QSize& size)
 {
-    const QSize upright = liesOnItsSide(look) ? look.size.transposed() : look.size;
-    const QSize target = upright.scaled(size, Qt::KeepAspectRatio).expandedTo(QSize(1, 1));
+    const QSize upright = uprightSize(look);
+    const QSize target = fittedSize(upright, size);
 
     QImageReader reader(look.fileName);
     reader.setAutoTransform(true);
@@ -389,6 +394,25 @@ QImage uprightImage(const QImage& image, const std::string& path)
         look.transformation.testFlag(QImageIOHandler::TransformationMirror),
         look.transformation.testFlag(QImageIOHandler::TransformationFlip));
     return liesOnItsSide(look) ? mirrored.transformed(QTransform().rotate(90)) : mirrored;
+}
+
+ImageFileHeader readImageFileHeader(const std::string& path)
+{
+    ImageFileHeader header;
+    try {
+        const Look look = lookAt(path);
+        header.problem = look.problem;
+        header.isJpeg = look.format == "jpeg";
+        header.size = look.problem.empty() ? uprightSize(look) : QSize();
+    } catch (const std::bad_alloc&) {
+        header.problem = "There is not enough memory for the picture";
+    }
+    return header;
+}
+
+QSize fittedSize(const QSize& picture, const QSize& box)
+{
+    return picture.scaled(box, Qt::KeepAspectRatio).expandedTo(QSize(1, 1));
 }
 
 qint64 imageFilePixels(const std::string& path)

@@ -32,6 +32,21 @@ readScaledImageFile(const std::string& path, const QSize& size);
 [[nodiscard]] DATAVIEWS_IMAGES_EXPORT QImage
 uprightImage(const QImage& image, const std::string& path);
 
+/// What is known of an image file without decoding it.
+struct DATAVIEWS_IMAGES_EXPORT ImageFileHeader
+{
+    QSize
+        size; ///< in pixels, turned upright as the Exif orientation asks for; empty with a problem
+    bool isJpeg = false;
+    std::string problem; ///< why the file cannot be shown, as in ImageFileReading
+};
+
+/// The look of readImageFile() at the file \p path. Throws nothing.
+[[nodiscard]] DATAVIEWS_IMAGES_EXPORT ImageFileHeader readImageFileHeader(const std::string& path);
+
+/// The size at which readScaledImageFile() gives a picture of \p picture pixels that is fitted into \p box.
+[[nodiscard]] DATAVIEWS_IMAGES_EXPORT QSize fittedSize(const QSize& picture, const QSize& box);
+
 /// The number of pixels according to the header of the file \p path, 0 if it does not pass the look of
 /// readImageFile(). Decodes nothing.
 [[nodiscard]] DATAVIEWS_IMAGES_EXPORT qint64 imageFilePixels(const std::string& path);
