@@ -3,6 +3,7 @@ list(
     ANALYZER_VIEWS_SOURCES
     AxisState.cpp
     CaseCategories.cpp
+    ChartBand.cpp
     ChartViewAbstract.cpp
     ColorBarState.cpp
     LegendState.cpp
@@ -10,4 +11,5 @@ list(
     NotDrawnCases.cpp
     PointColors.cpp
     ScatterPlotView.cpp
+    SelectionPreview.cpp
 )
