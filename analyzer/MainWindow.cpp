@@ -24,6 +24,7 @@
 #include <analyzer/study/studyInfo.h>
 #include <analyzer/tags/TagEditor.h>
 #include <analyzer/views/AnalyzerViewInterface.h>
+#include <analyzer/views/ChartViewAbstract.h>
 #include <analyzer/views/HoveredCase.h>
 #include <analyzer/views/ImageMatrixViewInterface.h>
 #include <analyzer/views/SelectedImageView.h>
@@ -62,6 +63,7 @@
 #include <QShortcut>
 #include <QStatusBar>
 #include <QToolBar>
+#include <QToolButton>
 #include <QUndoStack>
 
 #include <vtkTable.h>
@@ -345,6 +347,10 @@ void MainWindow::activeViewChanged()
         m_activeConnections.add(view->mouseModeProperty()->valueChanged.connect(
             [this](DataViewInterface::MouseMode) { updateActions(); }));
     }
+    if (const auto* chart = dynamic_cast<const ChartViewAbstract*>(view.get())) {
+        m_activeConnections.add(chart->selectionShapeProperty()->valueChanged.connect(
+            [this](SelectionShape) { updateActions(); }));
+    }
     if (view) {
         // A title tells what a view of images shows.
         m_activeConnections.add(
@@ -514,6 +520,9 @@ void MainWindow::buildMenus()
     tools->addAction(redo);
     tools->addSeparator();
     tools->addActions(m_mouseModes->actions());
+    tools->addAction(m_selectionShapeMenu->menuAction());
+    qobject_cast<QToolButton*>(tools->widgetForAction(m_selectionShapeMenu->menuAction()))
+        ->setPopupMode(QToolButton::InstantPopup);
     tools->addAction(m_fit);
     tools->addSeparator();
     // The ones that most studies are looked at with.
@@ -607,6 +616,7 @@ QList<QAction*> MainWindow::buildViewMenu()
         action->setData(static_cast<int>(mode.mode));
         m_mouseModes->addAction(action);
     }
+    buildSelectionShapeMenu();
     m_viewMenu->addSeparator();
     m_fit = add(tr("&Fit Data"), tr("Ctrl+0"), [this] { activeView()->fitData(); });
     m_resetX = add(tr("Reset X Axis"), tr("Ctrl+Shift+X"), [this] { activeView()->resetXAxis(); });
@@ -624,6 +634,39 @@ QList<QAction*> MainWindow::buildViewMenu()
     m_resetZoom = add(
         tr("Reset Z&oom"), tr("Ctrl+0"), [this] { activeView()->zoom()->setValue(initialZoom); });
     return newViews;
+}
+
+void MainWindow::buildSelectionShapeMenu()
+{
+    m_selectionShapeMenu = m_viewMenu->addMenu(tr("&Selection Shape"));
+    m_selectionShapes = new QActionGroup(this);
+
+    const struct
+    {
+        QString text;
+        QString shortcut;
+        SelectionShape shape;
+    } shapes[] = {
+        {tr("&Rectangle"), tr("Ctrl+4"), SelectionShape::Rectangle},
+        {tr("&Lasso"), tr("Ctrl+5"), SelectionShape::Lasso},
+        {tr("Along &X"), tr("Ctrl+6"), SelectionShape::AlongX},
+        {tr("Along &Y"), tr("Ctrl+7"), SelectionShape::AlongY},
+    };
+
+    for (const auto& shape : shapes) {
+        const auto choose = [this, value = shape.shape] {
+            if (const auto* chart = dynamic_cast<const ChartViewAbstract*>(activeView().get())) {
+                chart->selectionShapeProperty()->setValue(value);
+                // Whoever chooses a shape wants to select with it.
+                chart->mouseModeProperty()->setValue(DataViewInterface::Select);
+            }
+        };
+        QAction* action =
+            makeAction(*this, m_selectionShapeMenu, shape.text, shape.shortcut, choose);
+        action->setCheckable(true);
+        action->setData(static_cast<int>(shape.shape));
+        m_selectionShapes->addAction(action);
+    }
 }
 
 void MainWindow::buildExportMenu(QMenu& file)
@@ -873,6 +916,7 @@ void MainWindow::showContextMenu(const QPoint& place)
         menu.addActions({m_fit, m_resetX, m_resetY});
         menu.addSeparator();
         menu.addActions(m_mouseModes->actions());
+        menu.addMenu(m_selectionShapeMenu);
         menu.addSeparator();
     }
     menu.addActions(m_selectionActions);
@@ -901,6 +945,15 @@ void MainWindow::updateActions()
             hasModes
             && action->data().toInt()
                 == static_cast<int>(activeView()->mouseModeProperty()->value()));
+    }
+    const auto* chart = dynamic_cast<const ChartViewAbstract*>(activeView().get());
+    m_selectionShapeMenu->menuAction()->setEnabled(chart != nullptr);
+    for (QAction* action : m_selectionShapes->actions()) {
+        action->setEnabled(chart != nullptr);
+        action->setChecked(
+            chart != nullptr
+            && action->data().toInt()
+                == static_cast<int>(chart->selectionShapeProperty()->value()));
     }
 }
 

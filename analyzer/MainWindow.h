@@ -167,6 +167,7 @@ private:
     void buildMenus();
     QAction* buildFileMenu();
     QList<QAction*> buildViewMenu();
+    void buildSelectionShapeMenu();
     void buildExportMenu(QMenu& file);
     void buildPanels();
     void connectTagsPanel();
@@ -241,6 +242,8 @@ private:
     QMenu* m_recentMenu = nullptr;
     QMenu* m_viewMenu = nullptr;
     QActionGroup* m_mouseModes = nullptr;
+    QMenu* m_selectionShapeMenu = nullptr;
+    QActionGroup* m_selectionShapes = nullptr;
     QAction* m_fit = nullptr;
     QAction* m_resetX = nullptr;
     QAction* m_resetY = nullptr;

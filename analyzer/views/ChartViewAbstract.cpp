@@ -1,5 +1,6 @@
 #include <analyzer/views/AxisMapping.h>
 #include <analyzer/views/AxisState.h>
+#include <analyzer/views/ChartBand.h>
 #include <analyzer/views/ChartCanvas.h>
 #include <analyzer/views/ChartViewAbstract.h>
 #include <analyzer/views/ChoiceSetting.h>
@@ -15,6 +16,7 @@
 #include <dataviews/common/charts/AxisDetailsCharts.h>
 #include <dataviews/common/charts/ChartXY.h>
 #include <dataviews/common/charts/ConstraintsRegionPlot.h>
+#include <dataviews/common/charts/SelectionShapeProperty.h>
 #include <dataviews/common/charts/SpatialVariableProperty2D.h>
 #include <dataviews/common/charts/VTKChartsMouseModeProperty.h>
 #include <dataviews/common/charts/vtkChartUtils.h>
@@ -32,6 +34,7 @@
 #include <dataviews/platform/vtk/vtkCvCommandProxy.h>
 
 #include <QContextMenuEvent>
+#include <QKeyEvent>
 #include <QMouseEvent>
 #include <QPalette>
 #include <QScopedValueRollback>
@@ -165,6 +168,7 @@ ChartViewAbstract::ChartViewAbstract(const ViewServices& services, const std::st
     buildChart();
     buildProperties();
     addPlot(*m_filteredOutPlot);
+    m_filteredOutPlot->SetSelectable(false); // no search through points that nobody can pick
     m_filteredOutPlot->SetLabel(tr("filtered out").toStdString());
 }
 
@@ -186,7 +190,9 @@ void ChartViewAbstract::stop()
         m_widget->removeEventFilter(this);
     }
     m_connections.clear();
+    m_selectedCountConnection.disconnect();
     m_synchronizer.reset();
+    m_band.reset();
     m_hover.reset();
     m_settings.clear();
 }
@@ -194,6 +200,7 @@ void ChartViewAbstract::stop()
 void ChartViewAbstract::suspend()
 {
     endMouseGesture();
+    m_band->end();
     m_connections.block();
     m_synchronizer->suspend();
 }
@@ -298,6 +305,14 @@ void ChartViewAbstract::start(
         m_chart,
         m_view->GetInteractor(),
         boost::make_shared<PlotSelectionModel>(m_view->GetInteractor(), m_selection));
+    m_selectedCount = m_selection->getSelections().size();
+    m_selectedCountConnection = m_selection->signalSelectionChanged.connect(
+        [this](const std::set<unsigned long long>& selection) {
+            m_selectedCount = selection.size();
+            m_band->forgetCases();
+        });
+    m_band = std::make_unique<ChartBand>(
+        *m_widget, *m_chart, [this] { return SelectionPreview(visiblePlots(), m_selectedCount); });
     m_widget->installEventFilter(this);
 
     chooseFirstVariables();
@@ -337,6 +352,14 @@ void ChartViewAbstract::keepFurtherState()
     SerializerInterface& state = serializer();
     viewState::keep<MouseMode>(
         state, "MouseMode", m_mouseMode, {{"Select", Select}, {"Pan", Pan}, {"Zoom", Zoom}});
+    viewState::keep<SelectionShape>(
+        state,
+        "SelectionShape",
+        m_selectionShape,
+        {{"Rectangle", SelectionShape::Rectangle},
+         {"Lasso", SelectionShape::Lasso},
+         {"AlongX", SelectionShape::AlongX},
+         {"AlongY", SelectionShape::AlongY}});
     viewState::keep(state, "ShowLegend", m_showLegend);
     viewState::keep<FilteredOut>(
         state,
@@ -509,6 +532,11 @@ bool ChartViewAbstract::eventFilter(QObject* watched, QEvent* event)
             QTimer::singleShot(0, this, &ChartViewAbstract::endMouseGesture);
         }
         break;
+    case QEvent::KeyPress:
+        if (static_cast<QKeyEvent*>(event)->key() == Qt::Key_Escape && cancelMouseGesture()) {
+            return true;
+        }
+        break;
     case QEvent::Wheel:
         turnWheel();
         break;
@@ -557,6 +585,7 @@ void ChartViewAbstract::takeTable()
     m_synchronizer->setPlotsToSynchronize(plots);
     m_synchronizer->updateChartSelections();
     tellHover();
+    m_band->forgetCases();
     applyAppearance();
     emitLeftOutChanged();
 }
@@ -742,6 +771,7 @@ void ChartViewAbstract::buildProperties()
     m_opacity = boundedProperty("Opacity", defaultOpacity, 0, largestOpacity);
     m_mouseMode = boost::make_shared<VTKChartsMouseModeProperty>(m_chart);
     m_mouseMode->setValue(Select);
+    m_selectionShape = boost::make_shared<SelectionShapeProperty>(m_chart);
 
     viewState::keepVariable(serializer(), "XVariable", m_xVariable);
     viewState::keepVariable(serializer(), "YVariable", m_yVariable);
@@ -756,6 +786,20 @@ void ChartViewAbstract::buildProperties()
         "Mouse",
         m_mouseMode,
         ChoiceSetting<MouseMode>::NamedValues{{"select", Select}, {"pan", Pan}, {"zoom", Zoom}}));
+    const auto shape = boost::make_shared<ChoiceSetting<SelectionShape>>(
+        SettingInterface::Kind::Choice,
+        "selection-shape",
+        "Selects by",
+        m_selectionShape,
+        ChoiceSetting<SelectionShape>::NamedValues{
+            {"rectangle", SelectionShape::Rectangle},
+            {"lasso", SelectionShape::Lasso},
+            {"x-range", SelectionShape::AlongX},
+            {"y-range", SelectionShape::AlongY}});
+    shape->enableWhile(
+        boost::shared_ptr<corvane::PropertyAbstract<MouseMode>>(m_mouseMode),
+        [](MouseMode mode) { return mode == Select; });
+    addSetting(shape);
     addSetting(makeSwitchSetting("legend", "Legend", m_showLegend));
 }
 
@@ -909,6 +953,18 @@ void ChartViewAbstract::endMouseGesture()
         };
         recordAxes(*before, isMoved(0) && isMoved(2) ? tr("Pan Chart") : tr("Zoom Chart"));
     }
+}
+
+bool ChartViewAbstract::cancelMouseGesture()
+{
+    const std::optional<AxesState> before = std::exchange(m_axesAtPress, std::nullopt);
+    if (!before) {
+        return false;
+    }
+    m_chart->cancelDrag();
+    m_band->end();
+    setAxesState(*before);
+    return true;
 }
 
 void ChartViewAbstract::turnWheel()

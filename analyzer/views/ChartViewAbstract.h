@@ -8,6 +8,7 @@
 
 #include <dataviews/common/charts/InvalidPointsFilter.h>
 #include <dataviews/common/charts/SelectionRing.h>
+#include <dataviews/common/charts/SelectionShape.h>
 #include <dataviews/common/views/DataViewAbstract.h>
 
 #include <dataviews/platform/signals/SignalConnectionCollection.h>
@@ -24,8 +25,10 @@
 #include <vtkSmartPointer.h>
 
 #include <boost/shared_ptr.hpp>
+#include <boost/signals2/connection.hpp>
 
 #include <array>
+#include <cstddef>
 #include <cstdint>
 #include <memory>
 #include <optional>
@@ -45,10 +48,14 @@ class vtkPlotPoints;
 
 namespace analyzer {
 
+class ChartBand;
 class RealSetting;
 
 /// What the charts of cases over two numeric variables have in common: the axes with their settings, the mouse, the
 /// selection, the shades of range filters, the cases that are filtered out, and how all of it looks.
+///
+/// While the mouse drags a band to select with, a text beside it says what letting go would change. Escape takes back what
+/// the mouse has dragged since it was pressed: the band, or how far the chart has been panned.
 ///
 /// Subclasses say what is drawn of the table of cases. They make their plots in their constructor, then call start().
 ///
@@ -88,6 +95,13 @@ public:
     [[nodiscard]] const std::vector<boost::shared_ptr<SettingInterface>>& settings() const override;
     [[nodiscard]] boost::shared_ptr<corvane::PropertyAbstract<MouseMode>> mouseModeProperty()
         const override;
+
+    /// What shape the mouse selects with while its mode is Select.
+    [[nodiscard]] const boost::shared_ptr<corvane::PropertyAbstract<SelectionShape>>&
+    selectionShapeProperty() const
+    {
+        return m_selectionShape;
+    }
 
     [[nodiscard]] bool hasAxes() const override { return true; }
 
@@ -131,6 +145,8 @@ public:
 
     [[nodiscard]] ChartHover& hover() const { return *m_hover; }
 
+    [[nodiscard]] ChartBand& band() const { return *m_band; }
+
     /// The plot of the cases that are filtered out.
     [[nodiscard]] vtkPlotPoints& filteredOutPlot() const;
 
@@ -145,7 +161,8 @@ protected:
     /// \p domName is the name of the kind in saved sessions.
     ChartViewAbstract(const ViewServices& services, const std::string& domName);
 
-    /// Puts \p plot in front of the others and connects it with the variables of the axes. For constructors.
+    /// Puts \p plot in front of the others and connects it with the variables of the axes. For constructors. Plots of
+    /// visiblePlots() let their points be seen (DrawnPointsInterface).
     void addPlot(vtkPlotPoints& plot);
 
     /// The end of every constructor, which has added to serializer() what keeps the subclass's own state, the variables
@@ -265,6 +282,7 @@ private:
     void fitAxes(bool x, bool y, const QString& undoText);
     void beginMouseGesture();
     void endMouseGesture();
+    [[nodiscard]] bool cancelMouseGesture();
     void turnWheel();
 
     void buildChart();
@@ -298,11 +316,15 @@ private:
     boost::shared_ptr<corvane::PropertyAbstract<std::uint64_t>> m_pointSize;
     boost::shared_ptr<corvane::PropertyAbstract<std::uint64_t>> m_opacity;
     boost::shared_ptr<VTKChartsMouseModeProperty> m_mouseMode;
+    boost::shared_ptr<corvane::PropertyAbstract<SelectionShape>> m_selectionShape;
     std::vector<boost::shared_ptr<SettingInterface>> m_settings;
     vtkSmartPointer<InvalidPointsFilter> m_drawable;
     vtkSmartPointer<ConstraintsRegionPlot> m_regions;
     std::unique_ptr<DataView2DSelectionSynchronizer> m_synchronizer;
     std::unique_ptr<ChartHover> m_hover;
+    std::unique_ptr<ChartBand> m_band;
+    std::size_t m_selectedCount = 0; ///< of all cases, drawn or not
+    boost::signals2::scoped_connection m_selectedCountConnection; ///< also while suspended
     boost::shared_ptr<HoveredCase> m_hovered;
     boost::shared_ptr<AsyncImageCache> m_images;
     vtkSmartPointer<vtkCvCommandProxy> m_axisObserver;

@@ -3,6 +3,7 @@ list(
     ANALYZER_VIEWS_SOURCES
     AxisState.cpp
     CaseCategories.cpp
+    ChartBand.cpp
     ChartCanvas.cpp
     ChartViewAbstract.cpp
     ColorBarState.cpp
@@ -11,4 +12,5 @@ list(
     NotDrawnCases.cpp
     PointColors.cpp
     ScatterPlotView.cpp
+    SelectionPreview.cpp
 )

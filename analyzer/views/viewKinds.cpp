@@ -23,7 +23,7 @@ namespace {
 constexpr char chartHelp[] =
     "x-min, x-max, x-grid (on, off), x-spacing, y-min, y-max, y-grid, y-spacing, "
     "point-size (1 to 40), opacity (0 to 100), filtered-out (hidden, gray), "
-    "mouse-mode (select, pan, zoom)";
+    "mouse-mode (select, pan, zoom), selection-shape (rectangle, lasso, x-range, y-range)";
 
 } // namespace
 

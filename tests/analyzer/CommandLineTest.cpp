@@ -201,6 +201,7 @@ TEST(CommandLineTest, HelpNamesEveryKindAndProperty)
           "scatter",
           "table",
           "mouse-mode",
+          "selection-shape",
           "legend"}) {
         EXPECT_NE(help.find(word), std::string::npos) << word;
     }

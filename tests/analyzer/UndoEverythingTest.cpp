@@ -293,7 +293,8 @@ std::string sessionOf(const MainWindow& window)
         study.firstChildElement(QStringLiteral("CaseKeys"))); // of cases named elsewhere
     const QDomNodeList views = root.elementsByTagName(QStringLiteral("View"));
     for (int i = 0; i < views.size(); ++i) {
-        for (const char* name : {"Scroll", "Columns", "MouseMode", "Other", "CurrentImage"}) {
+        for (const char* name :
+             {"Scroll", "Columns", "MouseMode", "SelectionShape", "Other", "CurrentImage"}) {
             QDomElement state = views.at(i).firstChildElement();
             state.removeChild(state.firstChildElement(QLatin1String(name)));
         }

@@ -6,17 +6,21 @@
 
 #include <vtkAxis.h>
 #include <vtkChartLegend.h>
+#include <vtkCommand.h>
 #include <vtkContext2D.h>
 #include <vtkContextMouseEvent.h>
+#include <vtkContextPolygon.h>
 #include <vtkContextScene.h>
 #include <vtkIdTypeArray.h>
 #include <vtkNew.h>
 #include <vtkObjectFactory.h>
 #include <vtkPlot.h>
+#include <vtkVectorOperators.h>
 
 #include <algorithm>
 #include <cmath>
 #include <limits>
+#include <utility>
 
 namespace {
 
@@ -28,6 +32,12 @@ constexpr float clickSize = 0.5F;
 
 /// How far around a click points are picked.
 constexpr float clickReach = 5.0F;
+
+/// Corners of a lasso are at least this far apart.
+constexpr float lassoStep = 2.0F;
+
+/// Points are in view along an axis if their middle is at most this far outside: those at its very ends are.
+constexpr float viewMargin = 0.5F;
 
 /// As a share of the axis.
 constexpr float largestFitMargin = 0.25F;
@@ -138,14 +148,62 @@ bool ChartXY::Paint(vtkContext2D* painter)
 bool ChartXY::MouseMoveEvent(const vtkContextMouseEvent& event)
 {
     // VTK marks the scene for painting at every such move, for the tool tip that may come or go.
-    if (event.GetButton() == vtkContextMouseEvent::NO_BUTTON && GetTooltip() == nullptr) {
+    if (event.GetButton() == vtkContextMouseEvent::NO_BUTTON) {
+        if (GetTooltip() == nullptr) {
+            return true;
+        }
+        if (axisBeside(event.GetPos())) {
+            return Superclass::MouseLeaveEvent(event);
+        }
+    }
+    if (m_isCancelled) {
+        return true;
+    }
+    if (m_selecting && event.GetButton() == Actions.Select()) {
+        dragSelection(event.GetPos());
+        if (m_paintsBand) {
+            GetScene()->SetDirty(true);
+        }
+        return true;
+    }
+    if (m_isZooming && event.GetButton() == Actions.Zoom() && !m_paintsBand) {
+        MouseBox.SetWidth(event.GetPos().GetX() - MouseBox.GetX());
+        MouseBox.SetHeight(event.GetPos().GetY() - MouseBox.GetY());
         return true;
     }
     return Superclass::MouseMoveEvent(event);
 }
 
+bool ChartXY::Hit(const vtkContextMouseEvent& event)
+{
+    return Superclass::Hit(event)
+        || (GetInteractive() && Actions.Select() > vtkContextMouseEvent::NO_BUTTON
+            && axisBeside(event.GetScenePos()));
+}
+
+bool ChartXY::MouseButtonPressEvent(const vtkContextMouseEvent& event)
+{
+    const std::optional<SelectionShape> beside = axisBeside(event.GetPos());
+    const bool selects = event.GetButton() == Actions.Select();
+    if (beside && !selects) {
+        return false;
+    }
+    m_isCancelled = false;
+    m_selecting.reset();
+    const bool isTaken = Superclass::MouseButtonPressEvent(event);
+    m_isZooming = event.GetButton() == Actions.Zoom();
+    if (selects) {
+        beginSelection(event.GetPos(), beside);
+    }
+    DrawBox = DrawBox && m_paintsBand;
+    return isTaken;
+}
+
 bool ChartXY::MouseWheelEvent(const vtkContextMouseEvent& event, int delta)
 {
+    if (axisBeside(event.GetPos())) {
+        return false;
+    }
     const bool isHandled = Superclass::MouseWheelEvent(event, delta);
     // Many turns may come before the next picture, and each makes new ticks.
     keepAxesDivisible();
@@ -154,10 +212,18 @@ bool ChartXY::MouseWheelEvent(const vtkContextMouseEvent& event, int delta)
 
 bool ChartXY::MouseButtonReleaseEvent(const vtkContextMouseEvent& event)
 {
+    if (m_isCancelled) {
+        return true;
+    }
+    m_isZooming = false;
     vtkContextMouseEvent release = event;
     // Without an interactor there are no modifiers: VTK would otherwise add to and take from the plots' selections.
     release.SetInteractor(nullptr);
 
+    if (m_selecting && event.GetButton() == Actions.Select()) {
+        return endSelection(release);
+    }
+    m_selecting.reset();
     const bool isClick =
         std::abs(MouseBox.GetWidth()) < clickSize || std::abs(MouseBox.GetHeight()) < clickSize;
     if (isClick && event.GetButton() != Actions.Zoom()) {
@@ -175,6 +241,53 @@ bool ChartXY::MouseButtonReleaseEvent(const vtkContextMouseEvent& event)
         GetScene()->SetDirty(true);
     }
     return Superclass::MouseButtonReleaseEvent(release);
+}
+
+std::optional<SelectionArea> ChartXY::draggedSelection() const
+{
+    if (!m_selecting || !m_dragPlace) {
+        return {};
+    }
+    if (isSelectionClick()) {
+        if (m_isBesideAxis) {
+            return {};
+        }
+        const vtkVector2f reach(clickReach, -clickReach);
+        return SelectionArea::rectangle(m_pressPlace - reach, m_pressPlace + reach);
+    }
+    if (*m_selecting == SelectionShape::Lasso) {
+        std::vector<vtkVector2f> corners = m_lasso;
+        corners.push_back(*m_dragPlace);
+        return SelectionArea::polygon(std::move(corners));
+    }
+    if (*m_selecting == SelectionShape::Rectangle) {
+        return SelectionArea::rectangle(m_pressPlace, *m_dragPlace);
+    }
+    if (std::abs(MouseBox.GetWidth()) < clickSize || std::abs(MouseBox.GetHeight()) < clickSize) {
+        return {}; // VTK takes that for no selection
+    }
+    const vtkVector2f begin(MouseBox.GetX(), MouseBox.GetY());
+    return SelectionArea::rectangle(
+        begin, begin + vtkVector2f(MouseBox.GetWidth(), MouseBox.GetHeight()));
+}
+
+std::optional<vtkRectf> ChartXY::draggedZoom() const
+{
+    if (!m_isZooming || std::abs(MouseBox.GetWidth()) < clickSize
+        || std::abs(MouseBox.GetHeight()) < clickSize) {
+        return {};
+    }
+    return MouseBox;
+}
+
+void ChartXY::cancelDrag()
+{
+    m_isCancelled = true;
+    m_selecting.reset();
+    m_isZooming = false;
+    MouseBox.SetWidth(0.0F);
+    MouseBox.SetHeight(0.0F);
+    endBand();
 }
 
 bool ChartXY::MouseDoubleClickEvent(const vtkContextMouseEvent& event)
@@ -415,6 +528,151 @@ void ChartXY::settleTransforms(vtkContext2D* painter)
     keepAxesDivisible();
     UpdateLayout(painter);
     RecalculatePlotTransforms();
+}
+
+std::optional<SelectionShape> ChartXY::axisBeside(const vtkVector2f& place) const
+{
+    const auto isWithin = [&](int coordinate, int begin, int end) {
+        return place[coordinate] >= static_cast<float>(begin)
+            && place[coordinate] <= static_cast<float>(end);
+    };
+    // As in VTK's Hit(), the edge of the plot area is not in it.
+    if (place.GetY() <= static_cast<float>(Point1[1]) && place.GetY() >= 0.0F
+        && isWithin(0, Point1[0], Point2[0])) {
+        return SelectionShape::AlongX;
+    }
+    if (place.GetX() <= static_cast<float>(Point1[0]) && place.GetX() >= 0.0F
+        && isWithin(1, Point1[1], Point2[1])) {
+        return SelectionShape::AlongY;
+    }
+    return {};
+}
+
+void ChartXY::beginSelection(const vtkVector2f& place, const std::optional<SelectionShape>& beside)
+{
+    m_selecting = beside ? *beside : m_selectionShape;
+    m_isBesideAxis = beside.has_value();
+    m_pressPlace = place;
+    m_dragPlace.reset();
+    m_dragReach = 0.0F;
+    m_lasso = {place};
+    if (*m_selecting == SelectionShape::Lasso) {
+        DrawBox = false;
+        DrawSelectionPolygon = m_paintsBand;
+        SelectionPolygon.Clear();
+        SelectionPolygon.AddPoint(place);
+    }
+}
+
+void ChartXY::dragSelection(const vtkVector2f& place)
+{
+    m_dragPlace = place;
+    const vtkVector2f way = place - m_pressPlace;
+    switch (*m_selecting) {
+    case SelectionShape::Rectangle:
+        MouseBox.SetWidth(way.GetX());
+        MouseBox.SetHeight(way.GetY());
+        break;
+    case SelectionShape::Lasso:
+        m_dragReach = std::max({m_dragReach, std::abs(way.GetX()), std::abs(way.GetY())});
+        if ((place - m_lasso.back()).Norm() >= lassoStep) {
+            m_lasso.push_back(place);
+            SelectionPolygon.AddPoint(place);
+        }
+        break;
+    case SelectionShape::AlongX:
+        dragAlong(0);
+        break;
+    case SelectionShape::AlongY:
+        dragAlong(1);
+        break;
+    }
+}
+
+void ChartXY::dragAlong(std::size_t coordinate)
+{
+    const auto along = static_cast<int>(coordinate);
+    const int across = 1 - along;
+    m_dragReach = std::max(m_dragReach, std::abs((*m_dragPlace)[along] - m_pressPlace[along]));
+    const auto edge = [](const int* point, int index) { return static_cast<float>(point[index]); };
+    const auto inView = [&](const vtkVector2f& place) {
+        return std::clamp(
+            place[along], edge(Point1, along) - viewMargin, edge(Point2, along) + viewMargin);
+    };
+    MouseBox[along] = inView(m_pressPlace);
+    MouseBox[2 + along] = inView(*m_dragPlace) - MouseBox[along];
+    MouseBox[across] = edge(Point1, across) - viewMargin;
+    MouseBox[2 + across] = edge(Point2, across) + viewMargin - MouseBox[across];
+}
+
+bool ChartXY::isSelectionClick() const
+{
+    // A drag of a rectangle to where it began is no click, and without a move its box is empty.
+    if (*m_selecting == SelectionShape::Rectangle) {
+        return std::abs(MouseBox.GetWidth()) < clickSize
+            || std::abs(MouseBox.GetHeight()) < clickSize;
+    }
+    return m_dragReach <= clickReach;
+}
+
+bool ChartXY::endSelection(vtkContextMouseEvent& release)
+{
+    const bool isClick = isSelectionClick();
+    if (!isClick) {
+        dragSelection(release.GetPos());
+    }
+    const std::optional<SelectionArea> area = draggedSelection();
+    const SelectionShape shape = *std::exchange(m_selecting, std::nullopt);
+    endBand();
+    if (isClick && m_isBesideAxis) {
+        return true;
+    }
+    clearSelectionsOfSkippedPlots();
+    if (!isClick && shape == SelectionShape::Lasso) {
+        pickInPolygon(*area);
+        return true;
+    }
+    if (isClick) {
+        MouseBox.SetX(m_pressPlace.GetX() - clickReach);
+        MouseBox.SetY(m_pressPlace.GetY() + clickReach);
+        release.SetPos(m_pressPlace + vtkVector2f(clickReach, -clickReach));
+    } else if (shape != SelectionShape::Rectangle) {
+        release.SetPos(vtkVector2f(
+            MouseBox.GetX() + MouseBox.GetWidth(), MouseBox.GetY() + MouseBox.GetHeight()));
+    }
+    return Superclass::MouseButtonReleaseEvent(release);
+}
+
+void ChartXY::endBand()
+{
+    DrawBox = false;
+    DrawSelectionPolygon = false;
+    SelectionPolygon.Clear();
+    if (m_paintsBand && GetScene() != nullptr) {
+        GetScene()->SetDirty(true);
+    }
+}
+
+void ChartXY::pickInPolygon(const SelectionArea& area)
+{
+    // Not VTK's own release: it drops a polygon that ends at the height, or at the X, at which its last box began.
+    for (vtkIdType index = 0; index < GetNumberOfPlots(); ++index) {
+        vtkPlot& plot = *GetPlot(index);
+        if (!plot.GetVisible() || !plot.GetSelectable()) {
+            continue;
+        }
+        // What a plot that knows no polygons holds would count as picked.
+        const vtkNew<vtkIdTypeArray> nothing;
+        plot.SetSelection(nothing);
+        const SelectionArea inPlot = area.inPlot(plot);
+        vtkContextPolygon polygon;
+        for (const vtkVector2f& corner : inPlot.corners()) {
+            polygon.AddPoint(corner);
+        }
+        plot.SelectPointsInPolygon(polygon);
+    }
+    GetScene()->SetDirty(true);
+    InvokeEvent(vtkCommand::SelectionChangedEvent);
 }
 
 bool ChartXY::hasVisiblePlot()

@@ -1,6 +1,8 @@
 #pragma once
 
 #include <dataviews/common/charts/ChartsExport.h>
+#include <dataviews/common/charts/SelectionArea.h>
+#include <dataviews/common/charts/SelectionShape.h>
 
 #include <dataviews/platform/property/ValueRange_s.h>
 
@@ -23,9 +25,16 @@ class vtkChartLegend;
 /// Axes whose range VTK cannot draw get the closest one that it can (divisibleRange()) before they are painted;
 /// the user cannot zoom in any further.
 ///
-/// A click counts as a square of 10 × 10 pixels around it, except with the button that zooms. Keyboard modifiers are
+/// The button that selects drags a rectangle, a lasso, or along one axis (SelectionShape). A drag along an axis takes the
+/// points between its ends that lie in view along the other axis; one that begins beside the left axis or below the
+/// bottom axis is along that axis whatever the shape is. A lasso is VTK's polygon action, bound to the same button, that
+/// follows the mouse more closely.
+///
+/// A click counts as a square of 10 × 10 pixels around it, except with the button that zooms; so does a lasso or a drag
+/// along an axis that stays within that square. Keyboard modifiers are
 /// kept from VTK's own arithmetic on selections: the plots hold exactly what was picked when the selection event
-/// comes. The axes take no part in mouse actions. Used on the GUI thread.
+/// comes. The axes themselves take no part in mouse actions: a click beside the plot area does nothing. Used on the GUI
+/// thread.
 class DATAVIEWS_CHARTS_EXPORT ChartXY : public vtkChartXY
 {
 public:
@@ -63,6 +72,26 @@ public:
     /// quarter of the axis; 0 at first, which puts the outermost ones upon the ends if these are round numbers.
     void setFitMargin(float pixels) { m_fitMargin = pixels; }
 
+    /// Rectangle at first. Takes effect with the next press.
+    void setSelectionShape(SelectionShape shape) { m_selectionShape = shape; }
+
+    [[nodiscard]] SelectionShape selectionShape() const { return m_selectionShape; }
+
+    /// Whether the chart paints the band of a drag that selects or zooms, anew at each move; on at first. Off for who
+    /// shows it over the picture, which then need not be painted again.
+    void setPaintsBand(bool paints) { m_paintsBand = paints; }
+
+    /// In pixels of the scene, what letting the button go now would pick, as far as the mouse has been reported; nothing
+    /// unless it has been dragged with the button that selects.
+    [[nodiscard]] std::optional<SelectionArea> draggedSelection() const;
+
+    /// In pixels of the scene, what letting the button go now would zoom to.
+    [[nodiscard]] std::optional<vtkRectf> draggedZoom() const;
+
+    /// Forgets the drag that is in progress: what the mouse does until the next press is without effect. What it has
+    /// done to the axes stays.
+    void cancelDrag();
+
     void Update() override;
     bool Paint(vtkContext2D* painter) override;
 
@@ -70,6 +99,10 @@ public:
     /// nothing is painted anew.
     bool MouseMoveEvent(const vtkContextMouseEvent& event) override;
 
+    /// Also beside the left axis and below the bottom one, where a drag may begin that selects along the axis.
+    bool Hit(const vtkContextMouseEvent& event) override;
+
+    bool MouseButtonPressEvent(const vtkContextMouseEvent& event) override;
     bool MouseWheelEvent(const vtkContextMouseEvent& event, int delta) override;
     bool MouseButtonReleaseEvent(const vtkContextMouseEvent& event) override;
 
@@ -111,9 +144,29 @@ private:
     [[nodiscard]] bool hasVisiblePlot();
     void clearSelectionsOfSkippedPlots();
 
+    /// The axis that \p place is beside, as a shape along it.
+    [[nodiscard]] std::optional<SelectionShape> axisBeside(const vtkVector2f& place) const;
+    void beginSelection(const vtkVector2f& place, const std::optional<SelectionShape>& beside);
+    void dragSelection(const vtkVector2f& place);
+    void dragAlong(std::size_t coordinate);
+    bool endSelection(vtkContextMouseEvent& release);
+    void endBand();
+    [[nodiscard]] bool isSelectionClick() const;
+    void pickInPolygon(const SelectionArea& area);
+
     std::vector<LegendAndItsDimensions> m_legends;
     vtkContext2D* m_painter = nullptr; ///< of the last Paint()
     bool m_legendsFollowSize = false;
     float m_fitMargin = 0.0F;
+    SelectionShape m_selectionShape = SelectionShape::Rectangle;
+    bool m_paintsBand = true;
+    std::optional<SelectionShape> m_selecting; ///< while the button that selects is held
+    bool m_isBesideAxis = false; ///< that drag began there
+    bool m_isZooming = false; ///< while the button that zooms is held
+    bool m_isCancelled = false; ///< until the next press
+    vtkVector2f m_pressPlace{0.0F, 0.0F}; ///< of the drag that selects, as the next ones
+    std::optional<vtkVector2f> m_dragPlace; ///< its last move
+    float m_dragReach = 0.0F; ///< how far from its begin it has come: along its axis, or either way
+    std::vector<vtkVector2f> m_lasso; ///< its corners but the last one, which is the last move
     std::pair<float, float> m_paintedSize = {0.0F, 0.0F}; ///< of the chart, at the last Paint()
 };

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <dataviews/common/charts/PickablePlot.h>
 #include <dataviews/common/charts/SelectionRing.h>
 
 #include <vtkBrush.h>
@@ -16,7 +17,7 @@
 /// A plot of points, \p Plot being vtkPlotPoints or derived from it, that marks its selected points by rings instead of
 /// painting them in another color.
 template <class Plot>
-class RingedPlot : public Plot
+class RingedPlot : public PickablePlot<Plot>
 {
 public:
     RingedPlot(const RingedPlot&) = delete;

@@ -5,6 +5,8 @@ list(
     CaseTableViewTest.cpp
     CaseToolTipTest.cpp
     CellHoverTest.cpp
+    ChartBandTest.cpp
     ChartHoverTest.cpp
+    SelectionPreviewTest.cpp
     filteredOutCasesTest.cpp
 )
