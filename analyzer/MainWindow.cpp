@@ -30,13 +30,14 @@
 #include <analyzer/views/SelectedImageView.h>
 #include <analyzer/views/ViewServices.h>
 #include <analyzer/views/countText.h>
+#include <analyzer/views/selectedRows.h>
 #include <analyzer/views/viewKinds.h>
 
 #include <dataviews/common/export/SurrogateModelCSVExporter.h>
 #include <dataviews/common/images/AsyncImageCache.h>
 #include <dataviews/common/images/ImageCache.h>
 #include <dataviews/common/images/ThumbnailedImageReader.h>
-#include <dataviews/common/selection/RecordTableUtils.h>
+#include <dataviews/common/selection/CaseIDColumn.h>
 #include <dataviews/common/views/CvWaitCursor.h>
 
 #include <dataviews/platform/data/Project.h>
@@ -74,7 +75,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <iterator>
 #include <map>
 #include <optional>
 #include <set>
@@ -158,9 +158,9 @@ MainWindow::MainWindow()
     connect(m_viewArea, &ViewArea::imageActivated, this, &MainWindow::showImage);
     connect(m_viewArea, &ViewArea::problemTold, this, &MainWindow::tellError);
 
-    m_connections.add(m_selection->signalSelectionChanged.connect(
-        [this](const std::set<unsigned long long>& selection) {
-            m_selectedCount = selection.size();
+    m_connections.add(
+        m_selection->signalSelectionChanged.connect([this](const CaseSelection& selection) {
+            m_selectedCount = selection->size();
             updateStatus();
             // When the views have it, too.
             QTimer::singleShot(0, m_tagsPanel, [this] { m_tagsPanel->imagesChanged(); });
@@ -410,8 +410,7 @@ void MainWindow::exportReport(const QString& path) const
 void MainWindow::selectAll()
 {
     const CvWaitCursor waitCursor;
-    m_pipeline->output().Update();
-    m_selection->takeSelection(RecordTableUtils::caseIDs(*m_pipeline->output().GetOutput()));
+    m_selection->takeCases(boost::make_shared<const CaseSet>(shownCases()));
 }
 
 void MainWindow::clearSelection()
@@ -422,19 +421,20 @@ void MainWindow::clearSelection()
 void MainWindow::invertSelection()
 {
     const CvWaitCursor waitCursor;
-    m_pipeline->output().Update();
-    const std::set<unsigned long long> shown =
-        RecordTableUtils::caseIDs(*m_pipeline->output().GetOutput());
-    const std::set<unsigned long long> selected = m_selection->getSelections();
     // Cases that are not shown stay as they are.
-    std::set<unsigned long long> inverted;
-    std::set_symmetric_difference(
-        shown.begin(),
-        shown.end(),
-        selected.begin(),
-        selected.end(),
-        std::inserter(inverted, inverted.end()));
-    m_selection->takeSelection(std::move(inverted));
+    m_selection->takeCases(boost::make_shared<const CaseSet>(
+        CaseSet::symmetricDifference(shownCases(), *m_selection->cases())));
+}
+
+CaseSet MainWindow::shownCases() const
+{
+    m_pipeline->output().Update();
+    vtkTable& table = *m_pipeline->output().GetOutput();
+    std::vector<CaseIDMembership::Key> keys;
+    if (table.GetNumberOfRows() > 0) {
+        CaseIDColumn(*table.GetColumn(0)).appendKeys(keys);
+    }
+    return CaseIDColumn::toCases(std::move(keys));
 }
 
 void MainWindow::tellError(const QString& message)
@@ -1157,12 +1157,7 @@ void MainWindow::exportCases(const QString& path, ExportedCases cases, bool forS
     const Project& project = Project::project();
     RowBitmap rows = m_pipeline->passingRows();
     if (cases == SelectedCases) {
-        rows.fill(false);
-        for (const unsigned long long id : m_selection->getSelections()) {
-            if (const std::optional<std::size_t> row = project.row(id)) {
-                rows.set(*row);
-            }
-        }
+        rows = selectedRows(project, *m_selection->cases());
     }
     writeCasesCsv(project, rows, path.toStdString(), {forSpreadsheets});
 }

@@ -21,6 +21,7 @@
 
 class AsyncImageCache;
 class AuxFile;
+class CaseSet;
 class ImageCache;
 class ImageMatrixViewInterface;
 class QAction;
@@ -164,6 +165,7 @@ protected:
 
 private:
     void addFirstViews();
+    [[nodiscard]] CaseSet shownCases() const;
     void buildMenus();
     QAction* buildFileMenu();
     QList<QAction*> buildViewMenu();

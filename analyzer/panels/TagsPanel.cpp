@@ -6,6 +6,7 @@
 #include <analyzer/panels/announce.h>
 #include <analyzer/panels/plainToolTip.h>
 #include <analyzer/views/countText.h>
+#include <analyzer/views/selectedRows.h>
 
 #include <dataviews/platform/pipeline/DataPipelineManager.h>
 
@@ -21,9 +22,12 @@
 #include <QTreeView>
 #include <QVBoxLayout>
 
+#include <boost/make_shared.hpp>
+
+#include <algorithm>
 #include <exception>
-#include <optional>
 #include <utility>
+#include <vector>
 
 namespace analyzer {
 
@@ -186,10 +190,10 @@ void TagsPanel::followChanges()
 {
     m_connections.add(m_editor.project().signalProjectChanged.connect(
         [this](const ProjectChange& change) { projectChanged(change); }));
-    m_connections.add(m_selection->signalSelectionChanged.connect(
-        [this](const std::set<unsigned long long>& selection) {
+    m_connections.add(
+        m_selection->signalSelectionChanged.connect([this](const CaseSelection& selection) {
             if (isVisible() && m_model->target() == TagTreeModel::Target::Cases) {
-                takeSelection(selection);
+                takeSelection(*selection);
             } else {
                 m_casesAreStale = true;
             }
@@ -256,7 +260,7 @@ bool TagsPanel::pressTreeKey(int key)
 void TagsPanel::readTarget()
 {
     if (m_model->target() == TagTreeModel::Target::Cases && m_casesAreStale) {
-        takeSelection(m_selection->getSelections());
+        takeSelection(*m_selection->cases());
     } else if (m_model->target() == TagTreeModel::Target::Images && m_imagesAreStale) {
         m_model->setImages(m_images ? m_images() : TagEditor::Files());
         m_imagesAreStale = false;
@@ -264,16 +268,9 @@ void TagsPanel::readTarget()
     }
 }
 
-void TagsPanel::takeSelection(const std::set<unsigned long long>& selection)
+void TagsPanel::takeSelection(const CaseSet& selection)
 {
-    const Project& project = m_editor.project();
-    RowBitmap rows(project.caseCount());
-    for (const unsigned long long id : selection) {
-        if (const std::optional<std::size_t> row = project.row(id)) {
-            rows.set(*row);
-        }
-    }
-    m_model->setCases(std::move(rows));
+    m_model->setCases(selectedRows(m_editor.project(), selection));
     m_casesAreStale = false;
     showTarget();
 }
@@ -504,12 +501,13 @@ void TagsPanel::selectCasesWith(const std::string& tag, bool besides)
     const Project& project = m_editor.project();
     RowBitmap rows = project.taggedCases(tag);
     rows.intersect(m_editor.filters().pipeline().passingRows()); // only what can be seen
-    std::set<unsigned long long> cases;
-    if (besides) {
-        cases = m_selection->getSelections();
-    }
-    rows.forEach([&](std::size_t row) { cases.insert(cases.end(), project.caseID(row)); });
-    m_selection->takeSelection(std::move(cases));
+    std::vector<CaseSet::ID> ids;
+    ids.reserve(rows.count());
+    rows.forEach([&](std::size_t row) { ids.push_back(project.caseID(row)); });
+    std::sort(ids.begin(), ids.end());
+    const CaseSet tagged = CaseSet::ofSorted(ids);
+    m_selection->takeCases(boost::make_shared<const CaseSet>(
+        besides ? CaseSet::united(*m_selection->cases(), tagged) : tagged));
 }
 
 void TagsPanel::remove(const std::string& group, const std::string& tag)

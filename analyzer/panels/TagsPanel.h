@@ -77,7 +77,7 @@ private:
 
     /// Takes over what is selected, or the images, if they have changed since.
     void readTarget();
-    void takeSelection(const std::set<unsigned long long>& selection);
+    void takeSelection(const CaseSet& selection);
     void setTarget(bool toImages);
     void showTarget();
 

@@ -1,7 +1,6 @@
 #pragma once
 
-#include <analyzer/selection/CompressedCases.h>
-
+#include <dataviews/platform/selection/CaseSet.h>
 #include <dataviews/platform/undo/GenericUndoCommand.h>
 
 #include <boost/function.hpp>
@@ -15,7 +14,7 @@ namespace analyzer {
 class SelectionChange : public GenericUndoCommand
 {
 public:
-    using Cases = boost::shared_ptr<const CompressedCases>;
+    using Cases = boost::shared_ptr<const CaseSet>;
 
     /// \p show makes a selection the present one, also when the entry is pushed. Entries of the same \p gesture from 1
     /// up become one if they have the same \p undoId; 0 stands for none.

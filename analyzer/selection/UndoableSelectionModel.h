@@ -7,8 +7,6 @@
 #include <dataviews/platform/signals/SignalConnectionCollection.h>
 #include <dataviews/platform/undo/DeleteSignaler.h>
 
-#include <set>
-
 namespace analyzer {
 
 /// The selection, with each change on the undo stack.
@@ -26,19 +24,13 @@ public:
     ~UndoableSelectionModel() override;
 
 private:
-    using Cases = SelectionChange::Cases;
-
-    /// Makes \p cases the selection, as an undo does.
-    void show(const Cases& cases);
-
-    /// Puts the change from m_cases to \p selection, which has happened, on the undo stack.
-    void record(const std::set<unsigned long long>& selection);
+    /// Puts the change from m_cases to \p cases, which has happened, on the undo stack.
+    void record(const Cases& cases);
 
     DeleteSignaler m_deleteSignaler;
     InputGesture m_gesture;
     int m_undoId;
     Cases m_cases; ///< always what is selected
-    Cases m_toCases; ///< what show() is about to select
     SignalConnectionCollection m_connections;
 };
 

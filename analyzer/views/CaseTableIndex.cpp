@@ -1,9 +1,12 @@
 #include <analyzer/views/CaseTableIndex.h>
 #include <analyzer/views/CaseTableOrder.h>
 
+#include <dataviews/common/selection/CaseIDColumn.h>
+#include <dataviews/common/selection/CaseIDMembership.h>
+
+#include <dataviews/platform/pipeline/keepRows.h>
 #include <dataviews/platform/property/ExceptionBase.h>
 
-#include <algorithm>
 #include <string>
 #include <utility>
 
@@ -39,6 +42,16 @@ std::optional<std::size_t> CaseTableIndex::row(unsigned long long caseID) const
         return caseID >= 1 && caseID <= m_rowCount ? std::optional<std::size_t>(caseID - 1)
                                                    : std::nullopt;
     }
+    const std::size_t place = firstPlaceFrom(caseID);
+    if (place == m_rowCount || this->caseID(rowAt(place)) != caseID) {
+        return std::nullopt;
+    }
+    return rowAt(place);
+}
+
+/// Of the rows by ascending ID, the first one whose ID is not below \p caseID.
+std::size_t CaseTableIndex::firstPlaceFrom(unsigned long long caseID) const
+{
     std::size_t begin = 0;
     std::size_t end = m_rowCount;
     while (begin < end) {
@@ -49,57 +62,46 @@ std::optional<std::size_t> CaseTableIndex::row(unsigned long long caseID) const
             end = middle;
         }
     }
-    if (begin == m_rowCount || this->caseID(rowAt(begin)) != caseID) {
-        return std::nullopt;
-    }
-    return rowAt(begin);
+    return begin;
 }
 
-RowBitmap CaseTableIndex::rows(
-    const std::set<unsigned long long>& cases, std::vector<unsigned long long>& unknown) const
+RowBitmap CaseTableIndex::rows(const CaseSet& cases, CaseSet& unknown) const
 {
-    RowBitmap result(m_rowCount);
-    unknown.clear();
+    constexpr std::size_t rowsPerSearch = 32; ///< that a pass looks at in the time of one search
+    RowBitmap result(m_rowCount, !m_isDense && cases.size() > m_rowCount / rowsPerSearch);
     if (m_isDense) {
-        for (const unsigned long long id : cases) {
-            if (id >= 1 && id <= m_rowCount) {
-                result.set(static_cast<std::size_t>(id - 1));
-            } else {
-                unknown.push_back(id);
+        cases.addTo(result.words(), 1);
+        // The last word has room for cases behind the last row.
+        result.intersect(RowBitmap(m_rowCount, true));
+    } else if (result.count() > 0) {
+        const CaseIDMembership membership = CaseIDMembership::of(cases);
+        keepRows(result, [this, &membership](std::size_t row) {
+            return membership.contains(static_cast<CaseIDMembership::Key>(m_ids[row]));
+        });
+    } else {
+        cases.forEach([this, &result](CaseSet::ID id) {
+            for (std::size_t place = firstPlaceFrom(id);
+                 place < m_rowCount && caseID(rowAt(place)) == id;
+                 ++place) {
+                result.set(rowAt(place));
             }
-        }
-        return result;
+        });
     }
-    // Both ascend, so one walk along both is enough.
-    std::size_t place = 0;
-    for (const unsigned long long id : cases) {
-        while (place < m_rowCount && caseID(rowAt(place)) < id) {
-            ++place;
-        }
-        if (place == m_rowCount || caseID(rowAt(place)) != id) {
-            unknown.push_back(id);
-        }
-        for (; place < m_rowCount && caseID(rowAt(place)) == id; ++place) {
-            result.set(rowAt(place));
-        }
-    }
+    unknown = CaseSet::symmetricDifference(cases, this->cases(result, {}));
     return result;
 }
 
-std::set<unsigned long long> CaseTableIndex::cases(
-    const RowBitmap& rows, const std::vector<unsigned long long>& others) const
+CaseSet CaseTableIndex::cases(const RowBitmap& rows, const CaseSet& others) const
 {
-    std::vector<unsigned long long> ids;
-    ids.reserve(rows.count() + others.size());
-    rows.forEach([this, &ids](std::size_t row) { ids.push_back(caseID(row)); });
-    if (!m_rowsByID.empty()) {
-        std::sort(ids.begin(), ids.end());
+    if (m_isDense) {
+        return CaseSet::united(CaseSet::ofBits(1, rows.words()), others);
     }
-    const auto ownCount = static_cast<std::ptrdiff_t>(ids.size());
-    ids.insert(ids.end(), others.begin(), others.end());
-    std::inplace_merge(ids.begin(), ids.begin() + ownCount, ids.end());
-    // An ascending range is what a set is built from in linear time.
-    return {ids.begin(), ids.end()};
+    std::vector<CaseIDMembership::Key> keys;
+    keys.reserve(rows.count());
+    rows.forEach([this, &keys](std::size_t row) {
+        keys.push_back(static_cast<CaseIDMembership::Key>(m_ids[row]));
+    });
+    return CaseSet::united(CaseIDColumn::toCases(std::move(keys)), others);
 }
 
 } // namespace analyzer

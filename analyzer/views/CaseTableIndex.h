@@ -1,21 +1,21 @@
 #pragma once
 
 #include <dataviews/platform/data/RowBitmap.h>
+#include <dataviews/platform/selection/CaseSet.h>
 
 #include <vtkIntArray.h>
 #include <vtkSmartPointer.h>
 
 #include <cstddef>
 #include <optional>
-#include <set>
 #include <vector>
 
 namespace analyzer {
 
 /// Translates between the case IDs of a table and its rows.
 ///
-/// IDs from 1 to n in order are translated by arithmetic and ascending ones by walking along the column; only for
-/// others an order of the rows is built, once.
+/// IDs from 1 to n in order are translated word by word, many others in a pass along the column, and a few are searched
+/// for; only where the IDs do not ascend an order of the rows is built for that, once.
 class CaseTableIndex
 {
 public:
@@ -38,16 +38,15 @@ public:
     /// The row of \p caseID, if the table has it.
     [[nodiscard]] std::optional<std::size_t> row(unsigned long long caseID) const;
 
-    /// The rows of \p cases. The cases that the table does not have are put into \p unknown in ascending order, in
-    /// place of what is there.
-    [[nodiscard]] RowBitmap rows(
-        const std::set<unsigned long long>& cases, std::vector<unsigned long long>& unknown) const;
+    /// The rows of \p cases. The cases that the table does not have are put into \p unknown, in place of what is there.
+    [[nodiscard]] RowBitmap rows(const CaseSet& cases, CaseSet& unknown) const;
 
-    /// The cases in \p rows together with \p others, which ascend.
-    [[nodiscard]] std::set<unsigned long long> cases(
-        const RowBitmap& rows, const std::vector<unsigned long long>& others) const;
+    /// The cases in \p rows together with \p others.
+    [[nodiscard]] CaseSet cases(const RowBitmap& rows, const CaseSet& others) const;
 
 private:
+    [[nodiscard]] std::size_t firstPlaceFrom(unsigned long long caseID) const;
+
     [[nodiscard]] std::size_t rowAt(std::size_t place) const
     {
         return m_rowsByID.empty() ? place : m_rowsByID[place];

@@ -2,6 +2,8 @@
 
 #include <QObject>
 
+#include <boost/make_shared.hpp>
+
 #include <algorithm>
 #include <utility>
 
@@ -38,11 +40,11 @@ CaseTableSelection::CaseTableSelection(
     , m_master(std::move(master))
 {
     m_modelReset = QObject::connect(&m_model, &QAbstractItemModel::modelReset, &m_model, [this] {
-        show(m_master->getSelections(), Origin::Table);
+        show(*m_master->cases(), Origin::Table);
     });
     m_masterConnections.add(m_master->signalSelectionChanged.connect(
-        [this](const std::set<unsigned long long>& cases) { show(cases, Origin::Master); }));
-    m_rows = m_model.cases().rows(m_master->getSelections(), m_unknown);
+        [this](const CaseSelection& selection) { show(*selection, Origin::Master); }));
+    m_rows = m_model.cases().rows(*m_master->cases(), m_unknown);
 }
 
 CaseTableSelection::~CaseTableSelection()
@@ -60,7 +62,7 @@ void CaseTableSelection::resume()
 {
     m_isSuspended = false;
     updateListening();
-    show(m_master->getSelections(), Origin::Master);
+    show(*m_master->cases(), Origin::Master);
 }
 
 void CaseTableSelection::selectOnly(int tableRow)
@@ -154,24 +156,25 @@ void CaseTableSelection::write(RowBitmap rows, bool keepUnknown)
 {
     m_preview.reset();
     if (!keepUnknown) {
-        m_unknown.clear();
+        m_unknown = {};
     } else if (m_isSuspended) {
         // What the master did meanwhile was not heard.
-        static_cast<void>(m_model.cases().rows(m_master->getSelections(), m_unknown));
+        static_cast<void>(m_model.cases().rows(*m_master->cases(), m_unknown));
     }
     m_rows = std::move(rows);
     try {
         const WriteGuard guard(*this);
-        m_master->takeSelection(m_model.cases().cases(m_rows, m_unknown));
+        m_master->takeCases(
+            boost::make_shared<const CaseSet>(m_model.cases().cases(m_rows, m_unknown)));
     } catch (...) {
         // Whether the master took the selection before somebody failed is for the master to say.
-        show(m_master->getSelections(), Origin::Master);
+        show(*m_master->cases(), Origin::Master);
         throw;
     }
     signalRowsChanged(Origin::Gesture);
 }
 
-void CaseTableSelection::show(const std::set<unsigned long long>& cases, Origin origin)
+void CaseTableSelection::show(const CaseSet& cases, Origin origin)
 {
     m_preview.reset();
     m_rows = m_model.cases().rows(cases, m_unknown);

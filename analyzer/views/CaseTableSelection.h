@@ -14,8 +14,6 @@
 
 #include <cstddef>
 #include <optional>
-#include <set>
-#include <vector>
 
 namespace analyzer {
 
@@ -120,14 +118,13 @@ private:
     [[nodiscard]] const RowBitmap& committedRows() const;
 
     void write(RowBitmap rows, bool keepUnknown);
-    void show(const std::set<unsigned long long>& cases, Origin origin);
+    void show(const CaseSet& cases, Origin origin);
     void updateListening();
 
     CaseTableModel& m_model;
     boost::shared_ptr<SelectionModelInterface> m_master;
     RowBitmap m_rows;
-    std::vector<unsigned long long>
-        m_unknown; ///< the master's cases that the table does not have, ascending
+    CaseSet m_unknown; ///< the master's cases that the table does not have
     std::optional<Preview> m_preview;
     bool m_isSuspended = false;
     bool m_isWriting = false;

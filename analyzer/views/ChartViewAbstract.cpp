@@ -543,7 +543,13 @@ bool ChartViewAbstract::eventFilter(QObject* watched, QEvent* event)
     case QEvent::ContextMenu:
         emitContextMenuRequested(static_cast<QContextMenuEvent*>(event)->globalPos());
         return true;
+    case QEvent::Hide:
+        m_synchronizer->setSeen(false);
+        break;
     case QEvent::Show:
+        m_synchronizer->setSeen(true);
+        applyAppearance();
+        break;
     case QEvent::ScreenChangeInternal:
     case QEvent::PaletteChange:
     case QEvent::StyleChange:
@@ -1004,6 +1010,7 @@ void ChartViewAbstract::fitLater(int axis)
 
 void ChartViewAbstract::renderingStarts()
 {
+    m_synchronizer->catchUp(); // a report has pictures of hidden views, too
     const double reserved = layOutRightSide();
     const int* size = m_view->GetRenderWindow()->GetSize();
     m_chart->SetAutoSize(reserved <= 0.0);

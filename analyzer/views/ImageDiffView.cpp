@@ -132,7 +132,7 @@ ImageDiffView::ImageDiffView(
     buildWidget();
     connectButtons();
     m_connections.add(selectionModel->signalSelectionChanged.connect(
-        [this](const std::set<unsigned long long>& selection) { takeSelection(selection); }));
+        [this](const CaseSelection& selection) { takeSelection(*selection); }));
     m_connections.add(m_pipeline.signalPipelineChanged.connect([this] { takeCases(); }));
     m_lastingConnections.add(Project::project().signalProjectChanged.connect(
         [this](const ProjectChange& change) { projectChanged(change); }));
@@ -519,10 +519,10 @@ void ImageDiffView::takeCases()
     } else {
         m_list.clear();
     }
-    takeSelection(selectionModel().getSelections());
+    takeSelection(*selectionModel().cases());
 }
 
-void ImageDiffView::takeSelection(const std::set<unsigned long long>& selection)
+void ImageDiffView::takeSelection(const CaseSet& selection)
 {
     m_list.setSelection(selection);
     m_referenceSetting->tellChanged();

@@ -31,6 +31,7 @@
 #include <string>
 #include <vector>
 
+class CaseSet;
 class DataPipelineManagerInterface;
 class ImageCache;
 struct ProjectChange;
@@ -148,7 +149,7 @@ private:
     void buildWidget();
     void connectButtons();
     void takeCases();
-    void takeSelection(const std::set<unsigned long long>& selection);
+    void takeSelection(const CaseSet& selection);
     void projectChanged(const ProjectChange& change);
     void reset();
 

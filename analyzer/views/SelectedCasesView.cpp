@@ -6,8 +6,10 @@
 #include <analyzer/views/SelectedCasesWidget.h>
 #include <analyzer/views/countText.h>
 #include <analyzer/views/filteredOutCases.h>
+#include <analyzer/views/selectedRows.h>
 #include <analyzer/views/viewState.h>
 
+#include <dataviews/common/selection/CaseIDIndex.h>
 #include <dataviews/common/serializers/GenericSerializer.h>
 #include <dataviews/common/views/DataViewVisitorInterface.h>
 #include <dataviews/common/views/Property.h>
@@ -22,6 +24,9 @@
 
 #include <QCoreApplication>
 #include <QMenu>
+
+#include <vtkAbstractArray.h>
+#include <vtkTable.h>
 
 #include <algorithm>
 #include <utility>
@@ -70,6 +75,26 @@ boost::shared_ptr<ChoiceSetting<T>> makeChoice(
         SettingInterface::Kind::Choice, name, label, property, values);
 }
 
+/// Those in \p rows with the smallest IDs, as many as are shown, in ascending order.
+std::vector<unsigned long long> firstCases(const Project& project, const RowBitmap& rows)
+{
+    constexpr std::size_t most = SelectedCasesView::maxCases;
+    std::vector<unsigned long long> cases;
+    vtkAbstractArray* caseIDs = project.table().GetColumn(0);
+    if (caseIDs != nullptr && CaseIDIndex::of(*caseIDs)->isInOrder()) {
+        for (std::size_t row = rows.next(0); row < rows.rowCount() && cases.size() < most;
+             row = rows.next(row + 1)) {
+            cases.push_back(project.caseID(row));
+        }
+        return cases;
+    }
+    rows.forEach([&](std::size_t row) { cases.push_back(project.caseID(row)); });
+    const auto end = cases.begin() + static_cast<std::ptrdiff_t>(std::min(most, cases.size()));
+    std::partial_sort(cases.begin(), end, cases.end());
+    cases.erase(end, cases.end());
+    return cases;
+}
+
 } // namespace
 
 SelectedCasesView::SelectedCasesView(
@@ -86,7 +111,7 @@ SelectedCasesView::SelectedCasesView(
     buildState();
     buildWidget();
     m_connections.add(selectionModel->signalSelectionChanged.connect(
-        [this](const std::set<unsigned long long>& selection) { takeSelection(selection); }));
+        [this](const CaseSelection& selection) { takeSelection(*selection); }));
     m_connections.add(m_pipeline.signalPipelineChanged.connect([this] { takePipeline(); }));
     m_lastingConnections.add(Project::project().signalProjectChanged.connect(
         [this](const ProjectChange& change) { projectChanged(change); }));
@@ -279,27 +304,22 @@ bool SelectedCasesView::caseIDAtPoint(unsigned long long& caseID)
 void SelectedCasesView::takePipeline()
 {
     *m_filteredOut = filteredOutRows(m_pipeline);
-    takeSelection(selectionModel().getSelections());
+    takeSelection(*selectionModel().cases());
 }
 
-bool SelectedCasesView::passes(unsigned long long caseID) const
+void SelectedCasesView::takeSelection(const CaseSet& selection)
 {
-    const std::optional<std::size_t> row = Project::project().row(caseID);
-    return row && *row < m_filteredOut->rowCount() && !m_filteredOut->contains(*row);
-}
-
-void SelectedCasesView::takeSelection(const std::set<unsigned long long>& selection)
-{
-    m_first.clear();
-    m_passingCount = 0;
-    for (const unsigned long long caseID : selection) {
-        if (!passes(caseID)) {
-            continue;
-        }
-        if (++m_passingCount <= maxCases) {
-            m_first.push_back(caseID);
-        }
+    const Project& project = Project::project();
+    RowBitmap passing = selectedRows(project, selection);
+    if (m_filteredOut->rowCount() == passing.rowCount()) {
+        RowBitmap kept = *m_filteredOut;
+        kept.invert();
+        passing.intersect(kept);
+    } else {
+        passing.fill(false); // another study has come, of which the pipeline is about to tell
     }
+    m_passingCount = passing.count();
+    m_first = firstCases(project, passing);
     m_filteredCount = selection.size() - m_passingCount;
     showCases();
     m_referenceSetting->offerCases(m_first);

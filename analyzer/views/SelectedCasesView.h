@@ -24,6 +24,7 @@
 #include <string>
 #include <vector>
 
+class CaseSet;
 class DataPipelineManagerInterface;
 class RowBitmap;
 struct ProjectChange;
@@ -107,13 +108,12 @@ private:
     void buildState();
     void buildWidget();
     void takePipeline();
-    void takeSelection(const std::set<unsigned long long>& selection);
+    void takeSelection(const CaseSet& selection);
     void showCases();
     void describe();
     void projectChanged(const ProjectChange& change);
     void requestMenu(int column, const QPoint& place);
     void removeFromSelection(unsigned long long caseID);
-    [[nodiscard]] bool passes(unsigned long long caseID) const;
 
     const DataPipelineManagerInterface& m_pipeline;
     std::unique_ptr<SelectedCasesModel> m_model;

@@ -1,6 +1,7 @@
 #include <analyzer/views/SelectedImageList.h>
 
 #include <dataviews/platform/data/Project.h>
+#include <dataviews/platform/selection/CaseSet.h>
 
 #include <QtGlobal>
 
@@ -37,21 +38,30 @@ void SelectedImageList::setCases(const vtkIntArray& caseIDs)
     }
 }
 
-void SelectedImageList::setSelection(const std::set<unsigned long long>& selection)
+void SelectedImageList::setSelection(const CaseSet& selection)
 {
     m_selected.clear();
     m_count = 0;
-    std::size_t index = 0;
-    for (const unsigned long long caseID : selection) {
-        index = gallopTo(caseID, index);
-        if (index == m_cases.size()) {
-            return;
+    const auto select = [this](std::size_t index) {
+        m_selected.push_back({index, m_count});
+        m_count += m_cases[index].fileCount;
+    };
+    if (selection.size() >= m_cases.size()) {
+        for (std::size_t index = 0; index < m_cases.size(); ++index) {
+            if (selection.contains(m_cases[index].caseID)) {
+                select(index);
+            }
         }
-        if (m_cases[index].caseID == caseID) {
-            m_selected.push_back({index, m_count});
-            m_count += m_cases[index].fileCount;
-        }
+        return;
     }
+    std::size_t index = 0;
+    selection.anyOf([&](CaseSet::ID caseID) {
+        index = gallopTo(caseID, index);
+        if (index < m_cases.size() && m_cases[index].caseID == caseID) {
+            select(index);
+        }
+        return index == m_cases.size();
+    });
 }
 
 void SelectedImageList::clear()

@@ -6,9 +6,9 @@
 
 #include <cstddef>
 #include <optional>
-#include <set>
 #include <vector>
 
+class CaseSet;
 class Project;
 class vtkIntArray;
 
@@ -29,7 +29,7 @@ public:
     void setCases(const vtkIntArray& caseIDs);
 
     /// Of \p selection the cases that may be shown are in the list.
-    void setSelection(const std::set<unsigned long long>& selection);
+    void setSelection(const CaseSet& selection);
 
     /// Forgets cases and selection.
     void clear();

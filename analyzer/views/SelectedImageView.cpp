@@ -128,7 +128,7 @@ SelectedImageView::SelectedImageView(
     buildSettings();
     buildSerializer();
     m_connections.add(selectionModel->signalSelectionChanged.connect(
-        [this](const std::set<unsigned long long>& selection) { takeSelection(selection); }));
+        [this](const CaseSelection& selection) { takeSelection(*selection); }));
     m_connections.add(m_pipeline.signalPipelineChanged.connect([this] { takeCases(); }));
     m_lastingConnections.add(Project::project().signalProjectChanged.connect(
         [this](const ProjectChange& change) { projectChanged(change); }));
@@ -380,13 +380,13 @@ void SelectedImageView::takeCases()
     } else {
         m_list.clear();
     }
-    takeSelection(selectionModel().getSelections());
+    takeSelection(*selectionModel().cases());
 }
 
-void SelectedImageView::takeSelection(const std::set<unsigned long long>& selection)
+void SelectedImageView::takeSelection(const CaseSet& selection)
 {
     m_list.setSelection(selection);
-    chooseImage(!selection.empty());
+    chooseImage(!selection.isEmpty());
 }
 
 void SelectedImageView::chooseImage(bool hasSelection)

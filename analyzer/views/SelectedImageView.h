@@ -28,6 +28,7 @@
 #include <string>
 #include <vector>
 
+class CaseSet;
 class DataPipelineManagerInterface;
 class ImageCache;
 struct ProjectChange;
@@ -125,7 +126,7 @@ private:
     void buildSettings();
     void buildSerializer();
     void takeCases();
-    void takeSelection(const std::set<unsigned long long>& selection);
+    void takeSelection(const CaseSet& selection);
     void chooseImage(bool hasSelection);
     [[nodiscard]] std::size_t firstOfPage(std::size_t place) const;
     void walkTo(std::size_t place);

@@ -1,12 +1,15 @@
 #include <dataviews/common/images/CaseGrid.h>
 #include <dataviews/common/images/GridSettings.h>
+#include <dataviews/common/selection/CaseIDColumn.h>
 
 #include <dataviews/platform/data/Project.h>
 #include <dataviews/platform/pipeline/boundVariable.h>
+#include <dataviews/platform/selection/CaseSet.h>
 
 #include <boost/make_shared.hpp>
 
 #include <algorithm>
+#include <utility>
 
 namespace {
 
@@ -171,12 +174,11 @@ std::size_t CaseGrid::caseCount(const Cell& cell) const
         cases.begin(), cases.end(), [this](CaseGrouping::Row row) { return isOnPage(row); }));
 }
 
-std::set<unsigned long long> CaseGrid::caseIDsOf(const std::vector<Cell>& cells) const
+CaseSet CaseGrid::casesOf(const std::vector<Cell>& cells) const
 {
     const Project& project = Project::project();
     std::set<Cell> seen;
     RowBitmap rows(project.caseCount());
-    std::vector<unsigned long long> ids;
     bool hasUnknown = false;
     for (const Cell& cell : cells) {
         if (!seen.insert(representative(cell)).second) {
@@ -189,24 +191,20 @@ std::set<unsigned long long> CaseGrid::caseIDsOf(const std::vector<Cell>& cells)
             }
         }
     }
-    ids.reserve(rows.count());
-    rows.forEach([&](std::size_t row) { ids.push_back(project.caseID(row)); });
-    if (hasUnknown) {
-        ids.insert(ids.end(), m_cases.unknownIDs().begin(), m_cases.unknownIDs().end());
-    }
-    if (!std::is_sorted(ids.begin(), ids.end())) {
-        std::sort(ids.begin(), ids.end());
-    }
-    // Of a sorted range a set is made without a search for each member.
-    return {ids.begin(), ids.end()};
+    std::vector<CaseIDMembership::Key> keys;
+    keys.reserve(rows.count());
+    rows.forEach([&](std::size_t row) {
+        keys.push_back(static_cast<CaseIDMembership::Key>(project.caseID(row)));
+    });
+    CaseSet cases = CaseIDColumn::toCases(std::move(keys));
+    return hasUnknown ? CaseSet::united(cases, CaseSet::ofSorted(m_cases.unknownIDs())) : cases;
 }
 
-std::vector<Cell> CaseGrid::cellsContainingAny(const std::set<unsigned long long>& caseIDs) const
+std::vector<Cell> CaseGrid::cellsContainingAny(const CaseSet& cases) const
 {
     std::vector<Cell> cells;
     if (isDiagonal()) {
-        const bool isAny = std::any_of(
-            caseIDs.begin(), caseIDs.end(), [this](auto caseID) { return isMember(caseID); });
+        const bool isAny = cases.anyOf([this](CaseSet::ID caseID) { return isMember(caseID); });
         for (int tag = 0; isAny && tag < static_cast<int>(m_rows.size()); ++tag) {
             cells.emplace_back(tag, tag);
         }
@@ -214,7 +212,7 @@ std::vector<Cell> CaseGrid::cellsContainingAny(const std::set<unsigned long long
     }
     const int rowTags = m_rows.isByTag() ? static_cast<int>(m_rows.size()) : 1;
     const int columnTags = m_columns.isByTag() ? static_cast<int>(m_columns.size()) : 1;
-    const std::vector<Cell> groups = representativesOfAny(caseIDs);
+    const std::vector<Cell> groups = representativesOfAny(cases);
     for (int row = 0; row < rowTags; ++row) {
         for (const Cell& group : groups) {
             for (int column = 0; column < columnTags; ++column) {
@@ -226,31 +224,30 @@ std::vector<Cell> CaseGrid::cellsContainingAny(const std::set<unsigned long long
 }
 
 /// For grids that are not diagonal.
-std::vector<Cell> CaseGrid::representativesOfAny(const std::set<unsigned long long>& caseIDs) const
+std::vector<Cell> CaseGrid::representativesOfAny(const CaseSet& cases) const
 {
     constexpr std::size_t largestMap = std::size_t(1) << 26; // cells; 8 MiB
     const Project& project = Project::project();
     const std::size_t columns = m_columns.isByTag() ? 1 : m_columns.size();
-    const std::size_t cells = (m_rows.isByTag() ? 1 : m_rows.size()) * columns;
-    const bool usesMap = cells <= largestMap;
-    RowBitmap map(usesMap ? cells : 0);
+    const std::size_t cellCount = (m_rows.isByTag() ? 1 : m_rows.size()) * columns;
+    const bool usesMap = cellCount <= largestMap;
+    RowBitmap map(usesMap ? cellCount : 0);
     std::size_t unmarked = m_grouping.cells().size();
     std::vector<std::size_t> places;
-    for (const unsigned long long caseID : caseIDs) {
+    cases.anyOf([&](CaseSet::ID caseID) {
         const std::optional<std::size_t> row = project.row(caseID);
         if (!row || !m_cases.contains(*row) || !isOnPage(*row)) {
-            continue;
+            return false;
         }
         const std::size_t place = m_rows.indexOfRow(*row) * columns + m_columns.indexOfRow(*row);
         if (!usesMap) {
             places.push_back(place);
         } else if (!map.contains(place)) {
             map.set(place);
-            if (--unmarked == 0) {
-                break; // of a million cases some thousands tell
-            }
+            --unmarked;
         }
-    }
+        return unmarked == 0; // of a million cases some thousands tell
+    });
     map.forEach([&places](std::size_t place) { places.push_back(place); });
     std::sort(places.begin(), places.end());
     places.erase(std::unique(places.begin(), places.end()), places.end());

@@ -15,6 +15,7 @@
 #include <utility>
 #include <vector>
 
+class CaseSet;
 class Variable;
 class vtkTable;
 struct GridSettings;
@@ -60,11 +61,10 @@ public:
     [[nodiscard]] std::vector<Cell> cellsContaining(unsigned long long caseID) const;
 
     /// The cases of all \p cells, in one pass over them.
-    [[nodiscard]] std::set<unsigned long long> caseIDsOf(const std::vector<Cell>& cells) const;
+    [[nodiscard]] CaseSet casesOf(const std::vector<Cell>& cells) const;
 
     /// Every cell that holds one of the cases, each once, row by row.
-    [[nodiscard]] std::vector<Cell> cellsContainingAny(
-        const std::set<unsigned long long>& caseIDs) const;
+    [[nodiscard]] std::vector<Cell> cellsContainingAny(const CaseSet& cases) const;
 
     /// The rows of the project that belong to \p cell, those on other pages included. Cases that the project does
     /// not know have none.
@@ -89,8 +89,7 @@ private:
 
     /// Whether the table holds the case, whatever its page.
     [[nodiscard]] bool isMember(unsigned long long caseID) const;
-    [[nodiscard]] std::vector<Cell> representativesOfAny(
-        const std::set<unsigned long long>& caseIDs) const;
+    [[nodiscard]] std::vector<Cell> representativesOfAny(const CaseSet& cases) const;
 
     WeakPtr<Variable> m_study; ///< the variable of case IDs, of which each study has its own
     std::vector<boost::shared_ptr<VariableCodes>> m_knownCodes; ///< lately used ones first

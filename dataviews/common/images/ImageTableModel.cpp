@@ -5,6 +5,7 @@
 #include <dataviews/common/images/ImageTableModel.h>
 
 #include <dataviews/platform/data/Project.h>
+#include <dataviews/platform/selection/CaseSet.h>
 #include <dataviews/platform/signals/SignalConnectionCollection.h>
 #include <dataviews/platform/vtk/vtkCvCommandProxy.h>
 
@@ -352,17 +353,27 @@ std::vector<ImageTableModel::Cell> ImageTableModel::cellsContaining(unsigned lon
 
 std::set<unsigned long long> ImageTableModel::caseIDsOf(const std::vector<Cell>& cells) const
 {
+    return casesOf(cells).toSet();
+}
+
+CaseSet ImageTableModel::casesOf(const std::vector<Cell>& cells) const
+{
     const CaseGrid& grid = m_implementation->grid();
     for (const Cell& cell : cells) {
         grid.checkCell(cell);
     }
-    return grid.caseIDsOf(cells);
+    return grid.casesOf(cells);
 }
 
 std::vector<ImageTableModel::Cell> ImageTableModel::cellsContainingAny(
     const std::set<unsigned long long>& caseIDs) const
 {
-    return m_implementation->grid().cellsContainingAny(caseIDs);
+    return cellsContainingAny(CaseSet(caseIDs));
+}
+
+std::vector<ImageTableModel::Cell> ImageTableModel::cellsContainingAny(const CaseSet& cases) const
+{
+    return m_implementation->grid().cellsContainingAny(cases);
 }
 
 std::optional<ImageTableModel::Cell> ImageTableModel::firstCellWithImage() const

@@ -17,6 +17,7 @@
 #include <utility>
 #include <vector>
 
+class CaseSet;
 class ImageMatrixViewProperties;
 class vtkTableAlgorithm;
 
@@ -85,9 +86,13 @@ public:
     /// The cases of all \p cells, each once. Throws as caseIDs().
     [[nodiscard]] std::set<unsigned long long> caseIDsOf(const std::vector<Cell>& cells) const;
 
+    /// The same in the form that costs little.
+    [[nodiscard]] CaseSet casesOf(const std::vector<Cell>& cells) const;
+
     /// Every cell that holds one of the cases, each once, row by row.
     [[nodiscard]] std::vector<Cell> cellsContainingAny(
         const std::set<unsigned long long>& caseIDs) const;
+    [[nodiscard]] std::vector<Cell> cellsContainingAny(const CaseSet& cases) const;
 
     /// The first cell, row by row, that has an image.
     [[nodiscard]] std::optional<Cell> firstCellWithImage() const;

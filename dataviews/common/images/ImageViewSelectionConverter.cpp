@@ -1,8 +1,12 @@
 #include <dataviews/common/images/ImageTableModel.h>
 #include <dataviews/common/images/ImageViewSelectionConverter.h>
 
+#include <dataviews/platform/selection/CaseSet.h>
+
 #include <QItemSelectionModel>
 #include <QTableView>
+
+#include <boost/make_shared.hpp>
 
 #include <map>
 #include <utility>
@@ -66,19 +70,30 @@ ImageViewSelectionConverter::~ImageViewSelectionConverter() = default;
 std::set<unsigned long long> ImageViewSelectionConverter::toCaseIDs(
     const QItemSelectionModel& selectionModel)
 {
-    std::vector<Cell> cells;
-    for (const QModelIndex& index : selectionModel.selectedIndexes()) {
-        cells.emplace_back(index.row(), index.column());
-    }
-    return m_model.caseIDsOf(cells);
+    return toCases(selectionModel)->toSet();
 }
 
 QItemSelection ImageViewSelectionConverter::toItemSelection(
     const std::set<unsigned long long>& caseIDs)
 {
+    return *cellsOf(CaseSet(caseIDs));
+}
+
+boost::shared_ptr<const CaseSet> ImageViewSelectionConverter::toCases(
+    const QItemSelectionModel& selectionModel)
+{
+    std::vector<Cell> cells;
+    for (const QModelIndex& index : selectionModel.selectedIndexes()) {
+        cells.emplace_back(index.row(), index.column());
+    }
+    return boost::make_shared<const CaseSet>(m_model.casesOf(cells));
+}
+
+std::optional<QItemSelection> ImageViewSelectionConverter::cellsOf(const CaseSet& cases)
+{
     const QAbstractItemModel& gridModel = *m_grid.model();
     QItemSelection selection;
-    for (const Block& block : blocksOf(runsOf(m_model.cellsContainingAny(caseIDs)))) {
+    for (const Block& block : blocksOf(runsOf(m_model.cellsContainingAny(cases)))) {
         selection.append(QItemSelectionRange(
             gridModel.index(block.top, block.left), gridModel.index(block.bottom, block.right)));
     }

@@ -22,6 +22,8 @@ public:
     /// Every cell that holds one of the cases. Neighbours make one range, since Qt's selections grow slow with the
     /// number of their ranges.
     QItemSelection toItemSelection(const std::set<unsigned long long>& caseIDs) override;
+    boost::shared_ptr<const CaseSet> toCases(const QItemSelectionModel& selectionModel) override;
+    std::optional<QItemSelection> cellsOf(const CaseSet& cases) override;
 
 private:
     const QTableView& m_grid;

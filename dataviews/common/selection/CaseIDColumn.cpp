@@ -158,26 +158,6 @@ void markRowsWithKey(
     }
 }
 
-vtkSmartPointer<vtkIdTypeArray> toRows(const std::vector<std::uint64_t>& words)
-{
-    vtkIdType count = 0;
-    for (const std::uint64_t word : words) {
-        count += __builtin_popcountll(word);
-    }
-    vtkSmartPointer<vtkIdTypeArray> rows = vtkSmartPointer<vtkIdTypeArray>::New();
-    rows->SetNumberOfComponents(1);
-    rows->SetNumberOfValues(count);
-    vtkIdType* next = rows->GetPointer(0);
-    vtkIdType first = 0;
-    for (const std::uint64_t word : words) {
-        for (std::uint64_t bits = word; bits != 0; bits &= bits - 1) {
-            *next++ = first + __builtin_ctzll(bits);
-        }
-        first += rowsPerWord;
-    }
-    return rows;
-}
-
 /// Brings \p keys, at least one, into ascending order; of equal ones at least one stays.
 void sortKeys(std::vector<Key>& keys)
 {
@@ -318,4 +298,50 @@ std::set<unsigned long long> CaseIDColumn::toCaseIDs(std::vector<Key> keys)
             static_cast<unsigned long long>(static_cast<long long>(static_cast<int>(key))));
     }
     return ids;
+}
+
+CaseSet CaseIDColumn::toCases(std::vector<Key> keys)
+{
+    if (keys.empty()) {
+        return {};
+    }
+    const auto [smallest, largest] = std::minmax_element(keys.begin(), keys.end());
+    const Key first = *smallest;
+    const std::size_t wordCount = static_cast<std::size_t>(*largest - first) / 64 + 1;
+    // A negative ID is far from where its key is.
+    if (static_cast<int>(*largest) >= 0 && wordCount <= keys.size()) {
+        std::vector<CaseSet::Word> words(wordCount);
+        for (const Key key : keys) {
+            const Key offset = key - first;
+            words[offset / 64] |= CaseSet::Word(1) << (offset % 64);
+        }
+        return CaseSet::ofBits(first, words);
+    }
+    std::sort(keys.begin(), keys.end());
+    std::vector<CaseSet::ID> ids;
+    ids.reserve(keys.size());
+    for (const Key key : keys) {
+        ids.push_back(static_cast<CaseSet::ID>(static_cast<long long>(static_cast<int>(key))));
+    }
+    return CaseSet::ofSorted(ids);
+}
+
+vtkSmartPointer<vtkIdTypeArray> CaseIDColumn::toRows(const std::vector<std::uint64_t>& words)
+{
+    vtkIdType count = 0;
+    for (const std::uint64_t word : words) {
+        count += __builtin_popcountll(word);
+    }
+    vtkSmartPointer<vtkIdTypeArray> rows = vtkSmartPointer<vtkIdTypeArray>::New();
+    rows->SetNumberOfComponents(1);
+    rows->SetNumberOfValues(count);
+    vtkIdType* next = rows->GetPointer(0);
+    vtkIdType first = 0;
+    for (const std::uint64_t word : words) {
+        for (std::uint64_t bits = word; bits != 0; bits &= bits - 1) {
+            *next++ = first + __builtin_ctzll(bits);
+        }
+        first += rowsPerWord;
+    }
+    return rows;
 }

@@ -3,9 +3,12 @@
 #include <dataviews/common/selection/CaseIDMembership.h>
 #include <dataviews/common/selection/SelectionExport.h>
 
+#include <dataviews/platform/selection/CaseSet.h>
+
 #include <vtkSmartPointer.h>
 #include <vtkType.h>
 
+#include <cstdint>
 #include <set>
 #include <vector>
 
@@ -16,7 +19,7 @@ class vtkIdTypeArray;
 ///
 /// An ID is the value as a signed 32-bit integer, as vtkVariant::ToInt() gives it, widened with its sign to 64 bits.
 /// VTK's numeric arrays with one component are read in a typed pass, all others value by value through a variant;
-/// both give the same IDs. Nothing is remembered between calls.
+/// both give the same IDs. Nothing is remembered between calls; see CaseIDIndex for what is.
 class DATAVIEWS_SELECTION_EXPORT CaseIDColumn
 {
 public:
@@ -38,6 +41,13 @@ public:
     /// The case IDs that belong to \p keys, each once. Built in ascending order, so that walking the set is fast.
     [[nodiscard]] static std::set<unsigned long long> toCaseIDs(
         std::vector<CaseIDMembership::Key> keys);
+
+    /// The same in the form that costs little.
+    [[nodiscard]] static CaseSet toCases(std::vector<CaseIDMembership::Key> keys);
+
+    /// The rows whose bits are set in \p words, 64 rows a word, in ascending order: a new array with one component.
+    [[nodiscard]] static vtkSmartPointer<vtkIdTypeArray> toRows(
+        const std::vector<std::uint64_t>& words);
 
 private:
     template <class Function>

@@ -1,7 +1,9 @@
 #include <dataviews/common/selection/CaseIDMembership.h>
 
+#include <dataviews/platform/selection/CaseSet.h>
+
 #include <algorithm>
-#include <iterator>
+#include <limits>
 
 namespace {
 
@@ -20,86 +22,85 @@ constexpr std::uint64_t hashFactor =
 constexpr unsigned long long endOfPositive = 0x80000000;
 constexpr unsigned long long beginOfNegative = 0xffffffff80000000;
 
-} // namespace
-
-/// The cases that a record table can hold, in ascending order of their keys.
-class CaseIDMembership::Members
+bool isRepresentable(CaseSet::ID id)
 {
-public:
-    explicit Members(const std::set<unsigned long long>& cases)
-        : m_cases(cases)
-        , m_endOfPositive(cases.lower_bound(endOfPositive))
-        , m_beginOfNegative(cases.lower_bound(beginOfNegative))
-        , m_count(
-              cases.size()
-              - static_cast<std::size_t>(std::distance(m_endOfPositive, m_beginOfNegative)))
-    {}
+    return id < endOfPositive || id >= beginOfNegative;
+}
 
-    [[nodiscard]] std::size_t count() const { return m_count; }
-
-    /// There must be one.
-    [[nodiscard]] Key first() const
-    {
-        return toKey(m_endOfPositive != m_cases.begin() ? m_cases.begin() : m_beginOfNegative);
-    }
-
-    /// There must be one.
-    [[nodiscard]] Key last() const
-    {
-        return toKey(
-            std::prev(m_beginOfNegative != m_cases.end() ? m_cases.end() : m_endOfPositive));
-    }
-
-    /// Calls \p function with every key.
-    template <class Function>
-    void forEach(Function function) const
-    {
-        for (auto member = m_cases.begin(); member != m_endOfPositive; ++member) {
-            function(toKey(member));
-        }
-        for (auto member = m_beginOfNegative; member != m_cases.end(); ++member) {
-            function(toKey(member));
-        }
-    }
-
-private:
-    using Iterator = std::set<unsigned long long>::const_iterator;
-
-    static Key toKey(Iterator member) { return static_cast<Key>(*member); }
-
-    const std::set<unsigned long long>& m_cases;
-    Iterator m_endOfPositive;
-    Iterator m_beginOfNegative;
-    std::size_t m_count;
+struct Extremes
+{
+    CaseSet::ID smallest;
+    CaseSet::ID largest;
 };
 
-CaseIDMembership::CaseIDMembership(const std::set<unsigned long long>& cases)
+/// Of the representable cases, of which there is one.
+Extremes extremesOf(const CaseSet& cases, bool hasPositive, bool hasNegative)
 {
-    const Members members(cases);
-    m_count = members.count();
+    Extremes result{cases.smallest(), cases.largest()};
+    if (!hasPositive || !hasNegative) {
+        // What lies between the two may be at either end.
+        if (!isRepresentable(result.smallest)) {
+            cases.anyOf([&result](CaseSet::ID id) {
+                result.smallest = id;
+                return isRepresentable(id);
+            });
+        }
+        if (!isRepresentable(result.largest)) {
+            cases.anyOf([&result](CaseSet::ID id) {
+                if (isRepresentable(id)) {
+                    result.largest = id;
+                }
+                return !isRepresentable(id);
+            });
+        }
+    }
+    return result;
+}
+
+} // namespace
+
+CaseIDMembership::CaseIDMembership(const std::set<unsigned long long>& cases)
+    : CaseIDMembership(Form::Compact, CaseSet(cases))
+{}
+
+CaseIDMembership CaseIDMembership::of(const CaseSet& cases)
+{
+    return {Form::Compact, cases};
+}
+
+CaseIDMembership::CaseIDMembership(Form /*form*/, const CaseSet& cases)
+{
+    const std::size_t positive = cases.countBetween(0, endOfPositive - 1);
+    const std::size_t negative =
+        cases.countBetween(beginOfNegative, std::numeric_limits<CaseSet::ID>::max());
+    m_count = positive + negative;
     if (m_count == 0) {
         return;
     }
-    m_first = members.first();
-    const std::size_t span = static_cast<std::size_t>(members.last() - m_first) + 1;
-    if (span <= std::max(smallBitmap, bitsPerMember * m_count)) {
-        // With a bit to spare, unless every key there is has one.
-        m_bits.resize(std::min(span + 64, allKeys) / 64);
-        buildBits(members);
+    // In the order of keys, the negative IDs follow right behind the positive ones.
+    const Extremes extremes = extremesOf(cases, positive > 0, negative > 0);
+    m_first = static_cast<Key>(extremes.smallest);
+    const std::size_t span =
+        static_cast<std::size_t>(static_cast<Key>(extremes.largest) - m_first) + 1;
+    if (span > std::max(smallBitmap, bitsPerMember * m_count)) {
+        buildSlots(cases);
+        return;
+    }
+    // With a bit to spare, unless every key there is has one.
+    m_bits.resize(std::min(span + 64, allKeys) / 64);
+    if (negative == 0 && cases.size() == positive) {
+        cases.addTo(m_bits, m_first);
     } else {
-        buildSlots(members);
+        cases.forEach([this](CaseSet::ID id) {
+            if (isRepresentable(id)) {
+                const Key offset = static_cast<Key>(id) - m_first;
+                m_bits[offset / 64] |= std::uint64_t(1) << (offset % 64);
+            }
+        });
     }
 }
 
-void CaseIDMembership::buildBits(const Members& members)
-{
-    members.forEach([this](Key key) {
-        const Key offset = key - m_first;
-        m_bits[offset / 64] |= std::uint64_t(1) << (offset % 64);
-    });
-}
-
-void CaseIDMembership::buildSlots(const Members& members)
+void CaseIDMembership::buildSlots(const CaseSet& cases)
 {
     unsigned sizeBits = 4;
     while ((std::size_t(1) << sizeBits) < 2 * m_count) {
@@ -107,7 +108,11 @@ void CaseIDMembership::buildSlots(const Members& members)
     }
     m_shift = 64 - sizeBits;
     m_slots.resize(std::size_t(1) << sizeBits);
-    members.forEach([this](Key key) {
+    cases.forEach([this](CaseSet::ID id) {
+        if (!isRepresentable(id)) {
+            return;
+        }
+        const Key key = static_cast<Key>(id);
         std::size_t slot = (key * hashFactor) >> m_shift;
         while (m_slots[slot] != 0) {
             slot = (slot + 1) & (m_slots.size() - 1);

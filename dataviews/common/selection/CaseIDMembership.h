@@ -7,6 +7,8 @@
 #include <set>
 #include <vector>
 
+class CaseSet;
+
 /// Answers for many rows whether their case is in a selection, without looking into a tree for each.
 ///
 /// Built once for a selection and asked for every row of every plot. Keys are the low 32 bits of a case ID as it is
@@ -17,6 +19,7 @@ public:
     using Key = std::uint32_t;
 
     explicit CaseIDMembership(const std::set<unsigned long long>& cases);
+    [[nodiscard]] static CaseIDMembership of(const CaseSet& cases);
 
     [[nodiscard]] bool isEmpty() const { return m_count == 0; }
 
@@ -59,10 +62,14 @@ public:
     }
 
 private:
-    class Members;
+    enum class Form
+    {
+        Compact
+    };
 
-    void buildBits(const Members& members);
-    void buildSlots(const Members& members);
+    CaseIDMembership(Form form, const CaseSet& cases);
+
+    void buildSlots(const CaseSet& cases);
     [[nodiscard]] bool isInSlots(Key key) const;
 
     std::size_t m_count = 0;

@@ -1,5 +1,5 @@
 #include <dataviews/common/selection/CaseIDColumn.h>
-#include <dataviews/common/selection/CaseIDMembership.h>
+#include <dataviews/common/selection/CaseIDIndex.h>
 #include <dataviews/common/selection/DataView2DSelectionSynchronizer.h>
 #include <dataviews/common/selection/PlotSelectionModel.h>
 #include <dataviews/common/views/CvWaitCursor.h>
@@ -12,6 +12,8 @@
 #include <vtkPlot.h>
 #include <vtkRenderWindowInteractor.h>
 #include <vtkTable.h>
+
+#include <boost/make_shared.hpp>
 
 #include <algorithm>
 #include <utility>
@@ -26,9 +28,7 @@ DataView2DSelectionSynchronizer::DataView2DSelectionSynchronizer(
     , m_selectionModel(std::move(selectionModel))
 {
     m_connections.add(m_selectionModel->signalSelectionChanged.connect(
-        [this](const std::set<unsigned long long>& selection) {
-            masterSelectionChanged(selection);
-        }));
+        [this](const CaseSelection& selection) { masterSelectionChanged(selection); }));
     m_observer = vtkCvCommandProxy::New([this] { chartSelectionChanged(); });
     observeChart();
     updateChartSelections();
@@ -51,6 +51,22 @@ void DataView2DSelectionSynchronizer::resume()
     observeChart();
 }
 
+void DataView2DSelectionSynchronizer::setSeen(bool isSeen)
+{
+    m_isSeen = isSeen;
+    if (m_isSeen && m_hasPutOff) {
+        catchUp();
+        signalSelectionsUpdated();
+    }
+}
+
+void DataView2DSelectionSynchronizer::catchUp()
+{
+    if (m_hasPutOff) {
+        updateChartSelections();
+    }
+}
+
 void DataView2DSelectionSynchronizer::setPlotsToSynchronize(
     const std::vector<vtkSmartPointer<vtkPlot>>& plots)
 {
@@ -59,50 +75,58 @@ void DataView2DSelectionSynchronizer::setPlotsToSynchronize(
 
 void DataView2DSelectionSynchronizer::updateChartSelections()
 {
-    setNewSelections(m_selectionModel->getSelections());
+    setNewSelections(*m_selectionModel->cases());
 }
 
 void DataView2DSelectionSynchronizer::signalSelectionsUpdatedConnected() const {}
 
 void DataView2DSelectionSynchronizer::chartSelectionChanged()
 {
-    std::set<unsigned long long> picked = pickedCases();
+    const boost::shared_ptr<const CaseSet> picked = pickedCases();
     m_chartIsUpToDate = false;
-    if (m_interactor->GetControlKey() == 0) {
-        m_selectionModel->takeSelection(std::move(picked));
-    } else {
-        const std::set<unsigned long long> current = m_selectionModel->getSelections();
-        const bool isContained =
-            std::includes(current.begin(), current.end(), picked.begin(), picked.end());
-        if (!isContained || picked.size() == 1) {
-            m_selectionModel->takeSelection(std::move(picked));
-        }
+    if (m_interactor->GetControlKey() == 0 || picked->size() == 1
+        || !m_selectionModel->cases()->includes(*picked)) {
+        m_selectionModel->takeCases(picked);
     }
     // Nothing was heard of the selection: nothing new was picked, or what was selected already. The chart shows the
     // points that were hit and gets back the whole selection, other plots' points of the same cases included.
     if (!m_chartIsUpToDate) {
-        setNewSelections(m_selectionModel->getSelections());
+        setNewSelections(*m_selectionModel->cases());
     }
 }
 
-void DataView2DSelectionSynchronizer::masterSelectionChanged(
-    const std::set<unsigned long long>& selection)
+void DataView2DSelectionSynchronizer::masterSelectionChanged(const CaseSelection& selection)
 {
+    if (!m_isSeen) {
+        m_hasPutOff = true;
+        return;
+    }
     const CvWaitCursor waitCursor;
-    setNewSelections(selection);
+    setNewSelections(*selection);
     signalSelectionsUpdated();
 }
 
-void DataView2DSelectionSynchronizer::setNewSelections(const std::set<unsigned long long>& cases)
+void DataView2DSelectionSynchronizer::setNewSelections(const CaseSet& cases)
 {
     m_chartIsUpToDate = true;
-    const CaseIDMembership membership(cases);
+    m_hasPutOff = false;
+    // Plots of one table show the same rows.
+    const vtkAbstractArray* lastColumn = nullptr;
+    vtkSmartPointer<vtkIdTypeArray> lastRows;
     const vtkIdType plotCount = m_chart->GetNumberOfPlots();
     for (vtkIdType index = 0; index < plotCount; ++index) {
         const vtkSmartPointer<vtkPlot> plot = m_chart->GetPlot(index);
         vtkSmartPointer<vtkIdTypeArray> rows;
         if (plotShouldBeSynchronized(plot)) {
-            rows = CaseIDColumn(*getRunIdArray(*plot->GetInput())).rowsOf(membership);
+            vtkAbstractArray& column = *getRunIdArray(*plot->GetInput());
+            if (&column == lastColumn) {
+                rows = vtkSmartPointer<vtkIdTypeArray>::New();
+                rows->DeepCopy(lastRows);
+            } else {
+                rows = CaseIDIndex::of(column)->rowsOf(cases);
+            }
+            lastColumn = &column;
+            lastRows = rows;
         } else {
             rows = vtkSmartPointer<vtkIdTypeArray>::New();
             rows->SetNumberOfComponents(1);
@@ -123,7 +147,7 @@ vtkAbstractArray* DataView2DSelectionSynchronizer::getRunIdArray(vtkTable& table
     return table.GetColumn(0);
 }
 
-std::set<unsigned long long> DataView2DSelectionSynchronizer::pickedCases() const
+boost::shared_ptr<const CaseSet> DataView2DSelectionSynchronizer::pickedCases() const
 {
     std::vector<CaseIDMembership::Key> keys;
     const vtkIdType plotCount = m_chart->GetNumberOfPlots();
@@ -134,7 +158,7 @@ std::set<unsigned long long> DataView2DSelectionSynchronizer::pickedCases() cons
             CaseIDColumn(*getRunIdArray(*plot->GetInput())).appendKeys(*rows, keys);
         }
     }
-    return CaseIDColumn::toCaseIDs(std::move(keys));
+    return boost::make_shared<const CaseSet>(CaseIDColumn::toCases(std::move(keys)));
 }
 
 void DataView2DSelectionSynchronizer::observeChart()

@@ -10,9 +10,10 @@
 
 #include <boost/shared_ptr.hpp>
 
-#include <set>
 #include <vector>
 
+class CaseSelection;
+class CaseSet;
 class PlotSelectionModel;
 class SelectionModelInterface;
 class vtkAbstractArray;
@@ -49,6 +50,13 @@ public:
     /// The chart shows a new selection; it has not been drawn yet.
     Signal<void(), DataView2DSelectionSynchronizer> signalSelectionsUpdated;
 
+    /// While nobody sees the chart, changes of the selection are not written into it. When it is seen again it catches up
+    /// and signalSelectionsUpdated tells so, if there was a change. Seen from the start; suspension is apart from this.
+    void setSeen(bool isSeen);
+
+    /// Makes up for what setSeen(false) has put off, without a signal; for a picture of a chart that nobody sees.
+    void catchUp();
+
     /// Replaces the plots that take part. The chart is not touched until updateChartSelections().
     void setPlotsToSynchronize(const std::vector<vtkSmartPointer<vtkPlot>>& plots);
 
@@ -60,11 +68,11 @@ private:
     virtual void signalSelectionsUpdatedConnected() const;
     virtual void chartSelectionChanged();
 
-    void masterSelectionChanged(const std::set<unsigned long long>& selection);
-    void setNewSelections(const std::set<unsigned long long>& cases);
+    void masterSelectionChanged(const CaseSelection& selection);
+    void setNewSelections(const CaseSet& cases);
     [[nodiscard]] bool plotShouldBeSynchronized(vtkSmartPointer<vtkPlot> plot) const;
     [[nodiscard]] vtkAbstractArray* getRunIdArray(vtkTable& table) const;
-    [[nodiscard]] std::set<unsigned long long> pickedCases() const;
+    [[nodiscard]] boost::shared_ptr<const CaseSet> pickedCases() const;
     void observeChart();
 
     vtkSmartPointer<vtkChart> m_chart;
@@ -74,4 +82,6 @@ private:
     SignalConnectionCollection m_connections;
     std::vector<vtkSmartPointer<vtkPlot>> m_plotsToSynchronize;
     bool m_chartIsUpToDate = true; ///< it was written since the last pick
+    bool m_isSeen = true;
+    bool m_hasPutOff = false; ///< a change of the selection, until the chart is seen
 };

@@ -4,6 +4,8 @@
 
 #include <vtkRenderWindowInteractor.h>
 
+#include <boost/make_shared.hpp>
+
 #include <utility>
 
 PlotSelectionModel::PlotSelectionModel(
@@ -14,9 +16,7 @@ PlotSelectionModel::PlotSelectionModel(
     , m_connections(std::make_unique<SignalConnectionCollection>())
 {
     m_connections->add(m_master->signalSelectionChanged.connect(
-        [this](const std::set<unsigned long long>& selection) {
-            masterSelectionModelChanged(selection);
-        }));
+        [this](const CaseSelection& selection) { masterSelectionModelChanged(selection); }));
 }
 
 std::set<unsigned long long> PlotSelectionModel::getSelections() const
@@ -30,35 +30,29 @@ void PlotSelectionModel::setSelection(const std::set<unsigned long long>& cases)
         m_master->setSelection(cases);
         return;
     }
-    std::set<unsigned long long> selection = m_master->getSelections();
-    if (cases.size() == 1) {
-        const unsigned long long picked = *cases.begin();
-        if (selection.erase(picked) == 0) {
-            selection.insert(picked);
-        }
-    } else {
-        auto place = selection.begin();
-        for (const unsigned long long picked : cases) {
-            // Both are sorted, so that the place behind the last one is a good guess for a run of new cases.
-            place = selection.insert(place, picked);
-            ++place;
-        }
-    }
-    m_master->takeSelection(std::move(selection));
+    takeCases(boost::make_shared<const CaseSet>(cases));
 }
 
 PlotSelectionModel::~PlotSelectionModel() = default;
 
-void PlotSelectionModel::takeSelection(std::set<unsigned long long>&& cases)
+SelectionModelInterface::Cases PlotSelectionModel::cases() const
 {
-    if (m_interactor->GetControlKey() == 0) {
-        m_master->takeSelection(std::move(cases));
-    } else {
-        setSelection(cases);
-    }
+    return m_master->cases();
 }
 
-void PlotSelectionModel::masterSelectionModelChanged(const std::set<unsigned long long>& selection)
+void PlotSelectionModel::takeCases(const Cases& cases)
+{
+    if (m_interactor->GetControlKey() == 0) {
+        m_master->takeCases(cases);
+        return;
+    }
+    const Cases selection = m_master->cases();
+    m_master->takeCases(boost::make_shared<const CaseSet>(
+        cases->size() == 1 ? CaseSet::symmetricDifference(*selection, *cases)
+                           : CaseSet::united(*selection, *cases)));
+}
+
+void PlotSelectionModel::masterSelectionModelChanged(const CaseSelection& selection)
 {
     emitSelectionChanged(selection);
 }

@@ -36,10 +36,11 @@ public:
 
     ~PlotSelectionModel() override;
 
-    void takeSelection(std::set<unsigned long long>&& cases) override;
+    [[nodiscard]] Cases cases() const override;
+    void takeCases(const Cases& cases) override;
 
 private:
-    void masterSelectionModelChanged(const std::set<unsigned long long>& selection);
+    void masterSelectionModelChanged(const CaseSelection& selection);
 
     // Destroyed from the last to the first: the connections before the master they lead to.
     vtkSmartPointer<vtkRenderWindowInteractor> m_interactor;

@@ -4,8 +4,12 @@
 
 #include <QItemSelection>
 
+#include <boost/shared_ptr.hpp>
+
+#include <optional>
 #include <set>
 
+class CaseSet;
 class QItemSelectionModel;
 
 /// Translates between the selected cells of one item view and sets of cases, by case ID.
@@ -27,4 +31,11 @@ public:
     /// All cells that show one of the cases; cases that the view does not show contribute nothing.
     [[nodiscard]] virtual QItemSelection toItemSelection(
         const std::set<unsigned long long>& caseIDs) = 0;
+
+    /// What toCaseIDs() gives, never null; for converters that can do without a std::set. By default made of that.
+    [[nodiscard]] virtual boost::shared_ptr<const CaseSet> toCases(
+        const QItemSelectionModel& selectionModel);
+
+    /// What toItemSelection() gives, from converters that can do without a std::set; nothing from others.
+    [[nodiscard]] virtual std::optional<QItemSelection> cellsOf(const CaseSet& cases);
 };

@@ -58,7 +58,7 @@ void TableViewSelectionSynchronizer::resume()
 
 void TableViewSelectionSynchronizer::showMasterSelection()
 {
-    onMasterSelectionChanged(m_master->getSelections());
+    onMasterSelectionChanged(CaseSelection(m_master->cases()));
 }
 
 void TableViewSelectionSynchronizer::beginMasterSelectionMonitoring()
@@ -66,9 +66,7 @@ void TableViewSelectionSynchronizer::beginMasterSelectionMonitoring()
     // A listener that changes the selection while it is told of one makes monitoring begin twice in a row.
     m_connections.clear();
     m_connections.add(m_master->signalSelectionChanged.connect(
-        [this](const std::set<unsigned long long>& selection) {
-            onMasterSelectionChanged(selection);
-        }));
+        [this](const CaseSelection& selection) { onMasterSelectionChanged(selection); }));
 }
 
 void TableViewSelectionSynchronizer::endMasterSelectionMonitoring()
@@ -78,31 +76,43 @@ void TableViewSelectionSynchronizer::endMasterSelectionMonitoring()
 
 void TableViewSelectionSynchronizer::onLocalSelectionChanged()
 {
-    const std::set<unsigned long long> cases =
-        m_converter->toCaseIDs(*m_tableView.selectionModel());
+    const boost::shared_ptr<const CaseSet> cases =
+        m_converter->toCases(*m_tableView.selectionModel());
     endMasterSelectionMonitoring();
     const auto listenAgain = qScopeGuard([this] { beginMasterSelectionMonitoring(); });
-    m_master->setSelection(cases);
+    m_master->takeCases(cases);
 }
 
 void TableViewSelectionSynchronizer::setLocalSelectionsToMaster(
     const std::set<unsigned long long>& selection)
 {
-    m_tableView.selectionModel()->select(
-        m_converter->toItemSelection(selection), QItemSelectionModel::ClearAndSelect);
+    select(m_converter->toItemSelection(selection));
 }
 
-void TableViewSelectionSynchronizer::onMasterSelectionChanged(
-    const std::set<unsigned long long>& selection)
+void TableViewSelectionSynchronizer::show(const CaseSelection& selection)
+{
+    if (const std::optional<QItemSelection> cells = m_converter->cellsOf(*selection)) {
+        select(*cells);
+    } else {
+        setLocalSelectionsToMaster(selection);
+    }
+}
+
+void TableViewSelectionSynchronizer::select(const QItemSelection& cells)
+{
+    m_tableView.selectionModel()->select(cells, QItemSelectionModel::ClearAndSelect);
+}
+
+void TableViewSelectionSynchronizer::onMasterSelectionChanged(const CaseSelection& selection)
 {
     endLocalSelectionMonitoring();
     const auto listenAgain = qScopeGuard([this] { beginLocalSelectionMonitoring(); });
-    setLocalSelectionsToMaster(selection);
+    show(selection);
 }
 
 void TableViewSelectionSynchronizer::updateLocalSelections()
 {
-    setLocalSelectionsToMaster(m_master->getSelections());
+    show(CaseSelection(m_master->cases()));
 }
 
 void TableViewSelectionSynchronizer::beginLocalSelectionMonitoring()

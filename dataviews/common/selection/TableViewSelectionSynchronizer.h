@@ -11,6 +11,8 @@
 
 #include <set>
 
+class CaseSelection;
+class QItemSelection;
 class QTableView;
 class SelectionConverterInterface;
 class SelectionModelInterface;
@@ -61,9 +63,12 @@ private Q_SLOTS:
     void onLocalSelectionChanged();
 
 private:
+    /// For converters that ask for a std::set.
     virtual void setLocalSelectionsToMaster(const std::set<unsigned long long>& selection);
 
-    void onMasterSelectionChanged(const std::set<unsigned long long>& selection);
+    void onMasterSelectionChanged(const CaseSelection& selection);
+    void show(const CaseSelection& selection);
+    void select(const QItemSelection& cells);
     void updateLocalSelections();
     void beginLocalSelectionMonitoring();
     void endLocalSelectionMonitoring();

@@ -56,7 +56,7 @@ void DataViewAbstract::adjustSelectionForMouseClickAtPoint()
         m_selectionModel->setSelection({});
         return;
     }
-    if (m_selectionModel->getSelections().count(caseID) == 0) {
+    if (!m_selectionModel->cases()->contains(caseID)) {
         m_selectionModel->setSelection({caseID});
     }
 }

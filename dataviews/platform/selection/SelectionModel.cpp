@@ -1,33 +1,29 @@
 #include <dataviews/platform/selection/SelectionModel.h>
 
+#include <boost/make_shared.hpp>
+
 SelectionModel::~SelectionModel() = default;
 
 std::set<unsigned long long> SelectionModel::getSelections() const
 {
-    // Built in ascending order instead of copied: the nodes then lie in memory in the order of walking, which
-    // makes every later walk over a large selection several times faster.
-    return {m_selection.begin(), m_selection.end()};
+    return m_selection->toSet();
 }
 
 void SelectionModel::setSelection(const std::set<unsigned long long>& cases)
 {
-    if (cases == m_selection) {
-        return;
-    }
-    std::set<unsigned long long> selection(cases.begin(), cases.end());
-    store(selection);
+    SelectionModel::takeCases(boost::make_shared<const CaseSet>(cases));
 }
 
-void SelectionModel::takeSelection(std::set<unsigned long long>&& cases)
+SelectionModel::Cases SelectionModel::cases() const
 {
-    if (cases == m_selection) {
-        return;
-    }
-    store(cases);
+    return m_selection.cases();
 }
 
-void SelectionModel::store(std::set<unsigned long long>& selection)
+void SelectionModel::takeCases(const Cases& cases)
 {
-    m_selection.swap(selection); // what was selected before goes with the caller's set
+    if (*cases == *m_selection) {
+        return;
+    }
+    m_selection.reset(cases);
     emitSelectionChanged(m_selection);
 }

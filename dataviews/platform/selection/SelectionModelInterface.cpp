@@ -1,5 +1,7 @@
 #include <dataviews/platform/selection/SelectionModelInterface.h>
 
+#include <boost/make_shared.hpp>
+
 SelectionModelInterface::SelectionModelInterface()
     : signalSelectionChanged([this] { signalSelectionChangedConnected(); })
 {}
@@ -11,8 +13,23 @@ void SelectionModelInterface::takeSelection(std::set<unsigned long long>&& cases
     setSelection(cases);
 }
 
+SelectionModelInterface::Cases SelectionModelInterface::cases() const
+{
+    return boost::make_shared<const CaseSet>(getSelections());
+}
+
+void SelectionModelInterface::takeCases(const Cases& cases)
+{
+    setSelection(cases->toSet());
+}
+
 void SelectionModelInterface::emitSelectionChanged(
     const std::set<unsigned long long>& selection) const
+{
+    emitSelectionChanged(CaseSelection(selection));
+}
+
+void SelectionModelInterface::emitSelectionChanged(const CaseSelection& selection) const
 {
     signalSelectionChanged(selection);
 }

@@ -388,7 +388,7 @@ TEST_F(UndoableSelectionModelTest, ThousandEntriesOverAMillionCasesTakeLessThan2
 
     ASSERT_EQ(UndoStack::history().count(), entryCount);
     std::size_t bytes = 0;
-    std::set<const analyzer::CompressedCases*> counted;
+    std::set<const CaseSet*> counted;
     for (int entry = 0; entry < entryCount; ++entry) {
         const auto* change =
             dynamic_cast<const SelectionChange*>(UndoStack::history().command(entry));

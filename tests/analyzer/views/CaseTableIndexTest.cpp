@@ -57,22 +57,22 @@ TEST(CaseTableIndexTest, FindsRowsAndCasesAsALoopDoes)
             shown.insert(index.caseID(row));
         }
 
-        std::vector<unsigned long long> unknown{99};
-        const RowBitmap rows = index.rows(master, unknown);
+        CaseSet unknown(Cases{99});
+        const RowBitmap rows = index.rows(CaseSet(master), unknown);
 
         ASSERT_EQ(rows.rowCount(), ids.size());
         for (std::size_t row = 0; row < ids.size(); ++row) {
             EXPECT_EQ(rows.contains(row), master.count(index.caseID(row)) != 0) << row;
         }
-        std::vector<unsigned long long> expectedUnknown;
+        Cases expectedUnknown;
         std::set_difference(
             master.begin(),
             master.end(),
             shown.begin(),
             shown.end(),
-            std::back_inserter(expectedUnknown));
-        EXPECT_EQ(unknown, expectedUnknown);
-        EXPECT_EQ(index.cases(rows, unknown), master);
+            std::inserter(expectedUnknown, expectedUnknown.end()));
+        EXPECT_EQ(unknown.toSet(), expectedUnknown);
+        EXPECT_EQ(index.cases(rows, unknown).toSet(), master);
         for (unsigned long long id = 0; id < 320; ++id) {
             const auto place = std::find_if(ids.begin(), ids.end(), [id](int other) {
                 return static_cast<unsigned>(other) == id;

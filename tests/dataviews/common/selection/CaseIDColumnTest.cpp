@@ -1,4 +1,5 @@
 #include <dataviews/common/selection/CaseIDColumn.h>
+#include <dataviews/common/selection/CaseIDIndex.h>
 
 #include <vtkBitArray.h>
 #include <vtkCharArray.h>
@@ -67,6 +68,7 @@ void expectLikeVariants(vtkAbstractArray& column)
     ASSERT_EQ(keys.front(), 77U);
     ASSERT_EQ(std::vector<Key>(keys.begin() + 1, keys.end()), expectedKeys);
     ASSERT_EQ(CaseIDColumn::toCaseIDs(expectedKeys), expectedSet);
+    ASSERT_EQ(CaseIDColumn::toCases(expectedKeys), CaseSet(expectedSet));
 
     // Some rows, last first and one twice.
     vtkNew<vtkIdTypeArray> rows;
@@ -93,6 +95,7 @@ void expectLikeVariants(vtkAbstractArray& column)
             }
         }
         ASSERT_EQ(values(*ids.rowsOf(CaseIDMembership(selection))), expectedRows);
+        ASSERT_EQ(values(*CaseIDIndex::of(column)->rowsOf(CaseSet(selection))), expectedRows);
     }
 }
 
