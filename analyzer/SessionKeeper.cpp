@@ -9,11 +9,13 @@
 #include <analyzer/tags/TagEditor.h>
 #include <analyzer/views/AnalyzerViewInterface.h>
 #include <analyzer/views/HoveredCase.h>
+#include <analyzer/views/selectedRows.h>
 #include <analyzer/views/viewKinds.h>
 
 #include <dataviews/platform/data/Project.h>
 #include <dataviews/platform/data/TagGroup.h>
 #include <dataviews/platform/pipeline/DataPipelineManager.h>
+#include <dataviews/platform/selection/CaseSet.h>
 #include <dataviews/platform/selection/SelectionModel.h>
 #include <dataviews/platform/serialize/SerializerInterface.h>
 #include <dataviews/platform/undo/UndoStack.h>
@@ -26,7 +28,7 @@
 
 #include <boost/make_shared.hpp>
 
-#include <set>
+#include <algorithm>
 #include <string>
 #include <utility>
 #include <vector>
@@ -34,17 +36,6 @@
 namespace analyzer {
 
 namespace {
-
-RowBitmap rowsOf(const Project& project, const std::set<unsigned long long>& caseIDs)
-{
-    RowBitmap rows(project.caseCount());
-    for (const unsigned long long id : caseIDs) {
-        if (const std::optional<std::size_t> row = project.row(id)) {
-            rows.set(*row);
-        }
-    }
-    return rows;
-}
 
 void addAll(RowBitmap& rows, const RowBitmap& others)
 {
@@ -117,7 +108,7 @@ QByteArray SessionKeeper::write(const QString& folder) const
     session.windowSize = m_parts.window.size();
     session.viewLayout = m_parts.views.layoutOfViews();
     session.panelLayout = m_parts.window.saveState();
-    session.selection = rowsOf(project, m_parts.selection.getSelections());
+    session.selection = selectedRows(project, *m_parts.selection.cases());
 
     RowBitmap inSets = session.selection;
     for (const SessionView& view : session.views) {
@@ -186,10 +177,10 @@ void SessionKeeper::restore(const Session& session, const StudyFingerprint& fing
     if (!session.views.empty()) {
         m_parts.views.setActiveView(m_parts.views.views()[session.activeView]);
     }
-    std::set<unsigned long long> selected;
-    restorer.selection().forEach(
-        [&](std::size_t row) { selected.insert(selected.end(), project.caseID(row)); });
-    m_parts.selection.setSelection(selected);
+    std::vector<CaseSet::ID> selected;
+    restorer.selection().forEach([&](std::size_t row) { selected.push_back(project.caseID(row)); });
+    std::sort(selected.begin(), selected.end());
+    m_parts.selection.takeCases(boost::make_shared<const CaseSet>(CaseSet::ofSorted(selected)));
 }
 
 QString SessionKeeper::studyPath(const Session& session, const QString& folder)

@@ -5,10 +5,12 @@
 #include <analyzer/study/sentenceText.h>
 #include <analyzer/views/AnalyzerViewInterface.h>
 #include <analyzer/views/countText.h>
+#include <analyzer/views/selectedRows.h>
 
 #include <dataviews/platform/data/Project.h>
 #include <dataviews/platform/data/variantDisplayText.h>
 #include <dataviews/platform/pipeline/DataPipelineManager.h>
+#include <dataviews/platform/selection/CaseSet.h>
 
 #include <QFileInfo>
 #include <QWidget>
@@ -65,8 +67,7 @@ std::vector<Report::Tag> tagsOf(const Project& project)
     return tags;
 }
 
-void addSelectedCases(
-    Report& report, const Project& project, const std::set<unsigned long long>& selection)
+void addSelectedCases(Report& report, const Project& project, const CaseSet& selection)
 {
     std::vector<boost::shared_ptr<Variable>> variables{project.caseIDVariable().lock()};
     for (const WeakPtr<Variable>& variable : project.variables()) {
@@ -75,19 +76,16 @@ void addSelectedCases(
     for (const boost::shared_ptr<Variable>& variable : variables) {
         report.columns.push_back({variable->name(), variable->isNumeric()});
     }
-    for (const unsigned long long caseID : selection) {
-        const std::optional<std::size_t> row = project.row(caseID);
-        if (!row) {
-            continue;
-        }
-        ++report.selectedCount;
+    const RowBitmap rows = selectedRows(project, selection);
+    report.selectedCount = rows.count();
+    for (std::size_t row = rows.next(0); row < rows.rowCount(); row = rows.next(row + 1)) {
         if (report.rows.size() == mostReportRows) {
-            ++report.leftOutRowCount;
-            continue;
+            report.leftOutRowCount = report.selectedCount - mostReportRows;
+            return;
         }
         Report::Row& cells = report.rows.emplace_back();
         for (const boost::shared_ptr<Variable>& variable : variables) {
-            const Variant value = variable->value(*row);
+            const Variant value = variable->value(row);
             cells.push_back(
                 value.isEmpty() ? std::nullopt : std::make_optional(variantDisplayText(value)));
         }
@@ -112,8 +110,9 @@ Report makeReport(
     const Project& project,
     const FilterList& filters,
     const std::vector<AnalyzerViewInterface*>& views,
-    const std::set<unsigned long long>& selection,
-    const std::string& date)
+    const CaseSet& selection,
+    const std::string& date,
+    const std::function<void(std::size_t)>& beforePicture)
 {
     Report report;
     report.title = oneLine(project.name());
@@ -126,6 +125,9 @@ Report makeReport(
     report.tags = tagsOf(project);
     addSelectedCases(report, project, selection);
     for (AnalyzerViewInterface* view : views) {
+        if (beforePicture) {
+            beforePicture(report.pictures.size());
+        }
         report.pictures.push_back(pictureOfView(*view));
     }
     return report;

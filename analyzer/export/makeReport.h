@@ -2,10 +2,12 @@
 
 #include <analyzer/export/Report.h>
 
-#include <set>
+#include <cstddef>
+#include <functional>
 #include <string>
 #include <vector>
 
+class CaseSet;
 class Project;
 
 namespace analyzer {
@@ -19,14 +21,16 @@ constexpr std::size_t mostReportRows = 1000;
 /// What is to be said of \p project with \p filters over it, \p views with their pictures, and the cases whose IDs are
 /// \p selection; \p date is as it shall be read.
 ///
-/// Pictures have twice the resolution of the screen. The views stay as they are; see pictureOf().
+/// Pictures have twice the resolution of the screen. The views stay as they are; see pictureOf(). \p beforePicture, if
+/// there is one, is called before each with the number of those that are made; it may throw to end the work.
 /// \throws ExceptionBase as pictureOf() does.
 [[nodiscard]] Report makeReport(
     const Project& project,
     const FilterList& filters,
     const std::vector<AnalyzerViewInterface*>& views,
-    const std::set<unsigned long long>& selection,
-    const std::string& date);
+    const CaseSet& selection,
+    const std::string& date,
+    const std::function<void(std::size_t)>& beforePicture = {});
 
 /// What \p view leaves out, in a line: "37 not drawn: 31 without Drag, 6 filtered"; empty if nothing.
 [[nodiscard]] std::string leftOutInWords(const AnalyzerViewInterface& view);

@@ -22,4 +22,19 @@ protected:
 
     /// A single point is no line, of which VTK would complain at every frame.
     bool paintUnmarked(vtkContext2D* painter) override;
+
+    /// From so many vertices on, only those are painted that make the picture.
+    static constexpr vtkIdType reductionThreshold = 4096;
+
+private:
+    /// Paints the line without its points.
+    void paintLine(vtkContext2D& painter);
+
+    /// False if the line is not one that lineInSight() takes.
+    bool paintLineInSight(vtkContext2D& painter);
+
+    [[nodiscard]] bool ascends();
+
+    vtkMTimeType m_checkedTime = 0; ///< of the points that m_ascends is about
+    bool m_ascends = false;
 };

@@ -60,7 +60,7 @@ TEST_F(MakeReportTest, SaysWhatIsOpenAndSelected)
     chart->widget().resize(300, 200);
 
     const Report report =
-        makeReport(project, filters, {chart.get(), table.get()}, {1, 2, 99}, "today");
+        makeReport(project, filters, {chart.get(), table.get()}, CaseSet({1, 2, 99}), "today");
 
     EXPECT_EQ(report.date, "today");
     EXPECT_EQ(report.caseCount, 4U);
@@ -99,7 +99,7 @@ TEST_F(MakeReportTest, ListsNoMoreThanAThousandCases)
         all.insert(all.end(), caseID);
     }
 
-    const Report report = makeReport(Project::project(), filters, {}, all, "");
+    const Report report = makeReport(Project::project(), filters, {}, CaseSet(all), "");
 
     EXPECT_EQ(report.rows.size(), mostReportRows);
     EXPECT_EQ(report.rows.back().front(), std::to_string(mostReportRows));
