@@ -14,6 +14,7 @@
 #include <dataviews/common/charts/AxisDetailsCharts.h>
 #include <dataviews/common/charts/ChartXY.h>
 #include <dataviews/common/charts/ConstraintsRegionPlot.h>
+#include <dataviews/common/charts/RasterPlotPoints.h>
 #include <dataviews/common/charts/SpatialVariableProperty2D.h>
 #include <dataviews/common/charts/VTKChartsMouseModeProperty.h>
 #include <dataviews/common/charts/vtkChartUtils.h>
@@ -157,13 +158,14 @@ ChartViewAbstract::ChartViewAbstract(const ViewServices& services, const std::st
     , m_selection(services.selection)
     , m_widget(new QVTKOpenGLNativeWidget)
     , m_chart(vtkSmartPointer<ChartXY>::New())
-    , m_filteredOutPlot(vtkSmartPointer<vtkPlotPoints>::New())
+    , m_filteredOutPlot(vtkSmartPointer<RasterPlotPoints>::New())
     , m_hovered(services.hovered ? services.hovered : boost::make_shared<HoveredCase>())
     , m_images(services.scaledImages)
 {
     buildChart();
     buildProperties();
     addPlot(*m_filteredOutPlot);
+    m_filteredOutPlot->setDeepening(OverlapColors::Deepening::None);
     m_filteredOutPlot->SetLabel(tr("filtered out").toStdString());
 }
 

@@ -22,4 +22,6 @@ protected:
 
     /// A single point is no line, of which VTK would complain at every frame.
     bool paintUnmarked(vtkContext2D* painter) override;
+
+    void paintBehindRaster(vtkContext2D* painter) override;
 };
