@@ -16,6 +16,7 @@
 #include <dataviews/common/charts/AxisDetailsCharts.h>
 #include <dataviews/common/charts/ChartXY.h>
 #include <dataviews/common/charts/ConstraintsRegionPlot.h>
+#include <dataviews/common/charts/RasterPlotPoints.h>
 #include <dataviews/common/charts/SelectionShapeProperty.h>
 #include <dataviews/common/charts/SpatialVariableProperty2D.h>
 #include <dataviews/common/charts/VTKChartsMouseModeProperty.h>
@@ -161,7 +162,7 @@ ChartViewAbstract::ChartViewAbstract(const ViewServices& services, const std::st
     , m_selection(services.selection)
     , m_widget(new ChartCanvas)
     , m_chart(vtkSmartPointer<ChartXY>::New())
-    , m_filteredOutPlot(vtkSmartPointer<vtkPlotPoints>::New())
+    , m_filteredOutPlot(vtkSmartPointer<RasterPlotPoints>::New())
     , m_hovered(services.hovered ? services.hovered : boost::make_shared<HoveredCase>())
     , m_images(services.scaledImages)
 {
@@ -169,6 +170,7 @@ ChartViewAbstract::ChartViewAbstract(const ViewServices& services, const std::st
     buildProperties();
     addPlot(*m_filteredOutPlot);
     m_filteredOutPlot->SetSelectable(false); // no search through points that nobody can pick
+    m_filteredOutPlot->setDeepening(OverlapColors::Deepening::None);
     m_filteredOutPlot->SetLabel(tr("filtered out").toStdString());
 }
 

@@ -39,6 +39,7 @@ class AxisDetailsCharts;
 class ChartXY;
 class ConstraintsRegionPlot;
 class DataView2DSelectionSynchronizer;
+class RasterPlotPoints;
 class SpatialVariableProperty2D;
 class VTKChartsMouseModeProperty;
 class vtkChartLegend;
@@ -303,7 +304,7 @@ private:
     QPointer<QVTKOpenGLNativeWidget> m_widget;
     vtkNew<vtkContextView> m_view;
     vtkSmartPointer<ChartXY> m_chart;
-    vtkSmartPointer<vtkPlotPoints> m_filteredOutPlot;
+    vtkSmartPointer<RasterPlotPoints> m_filteredOutPlot;
     boost::shared_ptr<SpatialVariableProperty2D> m_xSpatial;
     boost::shared_ptr<SpatialVariableProperty2D> m_ySpatial;
     boost::shared_ptr<VariableProperty> m_xVariable;

@@ -214,6 +214,7 @@ void LinePlotView::applyOwnAppearance(const AppearanceColors& colors)
         line.SetColor(color[0], color[1], color[2], alpha());
         line.SetWidth(devicePixels(static_cast<double>(m_lineWidth->value())));
         line.SetMarkerSize(pointSizePx());
+        line.setDeepening(OverlapColors::Deepening::None); // the color tells the series
         line.setSelectionColors(selectionColors(colors, false));
     }
 }

@@ -93,7 +93,7 @@ bool Scatter3DPlot::Paint(vtkContext2D* painter)
     const vtkSmartPointer<vtkIdTypeArray> all = Selection;
     const vtkSmartPointer<vtkIdTypeArray> visible = visibleSelection();
     Selection = visible;
-    const bool isPainted = RingedPlot<vtkPlotPoints>::Paint(painter);
+    const bool isPainted = paintShapes(painter);
     Selection = all;
     painter->PopMatrix();
     return isPainted;

@@ -117,6 +117,8 @@ void ScatterPlotView::applyOwnAppearance(const AppearanceColors& colors)
     const ColorBytes color = plainColor(colors);
     m_plot->SetColor(color[0], color[1], color[2], alpha());
     m_plot->SetMarkerSize(pointSizePx());
+    m_plot->setDeepening(
+        colors.isDark ? OverlapColors::Deepening::Brighter : OverlapColors::Deepening::Darker);
     m_plot->setSelectionColors(selectionColors(colors, !m_colors->isColored()));
     styleLegend(m_colors->categoryLegend(), colors);
     m_colors->applyAppearance({colors.text, colors.isDark, opacity(), legendMarkerPx()});

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <dataviews/common/charts/PickablePlot.h>
+#include <dataviews/common/charts/RasterPlot.h>
 #include <dataviews/common/charts/SelectionRing.h>
 
 #include <vtkBrush.h>
@@ -17,7 +18,7 @@
 /// A plot of points, \p Plot being vtkPlotPoints or derived from it, that marks its selected points by rings instead of
 /// painting them in another color.
 template <class Plot>
-class RingedPlot : public PickablePlot<Plot>
+class RingedPlot : public RasterPlot<PickablePlot<Plot>>
 {
 public:
     RingedPlot(const RingedPlot&) = delete;
@@ -25,7 +26,16 @@ public:
 
     void setSelectionColors(const SelectionRing::Colors& colors) { m_ring.setColors(colors); }
 
-    bool Paint(vtkContext2D* painter) override
+protected:
+    RingedPlot() = default;
+    ~RingedPlot() override = default;
+
+    /// Paints the plot without marks of selected points.
+    virtual bool paintUnmarked(vtkContext2D* painter) { return Plot::Paint(painter); }
+
+    [[nodiscard]] SelectionRing* ring() override { return &m_ring; }
+
+    bool paintShapes(vtkContext2D* painter) override
     {
         // The marks of the base class stay away.
         vtkIdTypeArray* const selection = std::exchange(this->Selection, nullptr);
@@ -44,13 +54,6 @@ public:
         }
         return painted;
     }
-
-protected:
-    RingedPlot() = default;
-    ~RingedPlot() override = default;
-
-    /// Paints the plot without marks of selected points.
-    virtual bool paintUnmarked(vtkContext2D* painter) { return Plot::Paint(painter); }
 
 private:
     /// Where selected points lie close together, the rings of some cover others.

@@ -111,3 +111,8 @@ bool RingedPlotLine::ascends()
     }
     return m_ascends;
 }
+
+void RingedPlotLine::paintBehindRaster(vtkContext2D* painter)
+{
+    paintLine(*painter);
+}

@@ -23,6 +23,8 @@ protected:
     /// A single point is no line, of which VTK would complain at every frame.
     bool paintUnmarked(vtkContext2D* painter) override;
 
+    void paintBehindRaster(vtkContext2D* painter) override;
+
     /// From so many vertices on, only those are painted that make the picture.
     static constexpr vtkIdType reductionThreshold = 4096;
 

@@ -7,17 +7,33 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstdint>
 
 namespace {
 
 constexpr float gapWidth = 0.5F; ///< pixels between the point and the ring
 constexpr float edgeWidth = 1.0F;
 constexpr float leastRingWidth = 1.5F;
+constexpr unsigned char opaque = 255;
 
 float ringWidth(float markerSize)
 {
     return std::max(leastRingWidth, markerSize / 5.0F);
 }
+
+/// The radii of the parts of a mark, from its middle outward.
+struct Radii
+{
+    explicit Radii(float markerSize)
+        : inner(markerSize / 2.0F + gapWidth)
+        , outer(inner + ringWidth(markerSize))
+        , whole(outer + edgeWidth)
+    {}
+
+    float inner;
+    float outer;
+    float whole;
+};
 
 /// How much of a pixel at \p distance from the middle lies within \p radius.
 float coverage(float distance, float radius)
@@ -40,6 +56,16 @@ void cover(unsigned char* pixel, const ColorBytes& color, float opacity)
         pixel[i] = static_cast<unsigned char>(std::lround(mixed));
     }
     pixel[3] = static_cast<unsigned char>(std::lround(after * 255.0F));
+}
+
+/// As in PixelPicture.
+std::uint32_t premultiplied(const ColorBytes& color, unsigned char opacity)
+{
+    std::uint32_t pixel = static_cast<std::uint32_t>(opacity) << 24U;
+    for (std::size_t i = 0; i < color.size(); ++i) {
+        pixel |= static_cast<std::uint32_t>((color[i] * opacity + opaque / 2) / opaque) << (8U * i);
+    }
+    return pixel;
 }
 
 } // namespace
@@ -77,21 +103,56 @@ std::vector<vtkIdType> SelectionRing::paint(
     if (marked.empty() || markerSize <= 0.0F) {
         return {};
     }
-    if (m_spriteFor != markerSize) {
-        drawSprite(markerSize);
-    }
+    drawSprite(markerSize);
     painter.GetPen()->SetColor(255, 255, 255, 255);
     painter.GetPen()->SetWidth(static_cast<float>(m_sprite->GetDimensions()[0]));
     painter.DrawPointSprites(m_sprite, places.data(), static_cast<int>(marked.size()));
     return marked;
 }
 
+int SelectionRing::size(float markerSize)
+{
+    return 2 * static_cast<int>(std::ceil(Radii(markerSize).whole)) + 1;
+}
+
+PointRaster::Ring SelectionRing::raster(float markerSize)
+{
+    drawSprite(markerSize);
+    const int side = size(markerSize);
+    const Radii radii(markerSize);
+    PointRaster::Ring ring{
+        {},
+        MarkerStencil::disc(side, radii.whole + 0.5F),
+        MarkerStencil::disc(side, radii.outer),
+        MarkerStencil::disc(side, radii.inner),
+        premultiplied(m_colors.ring, opaque),
+        premultiplied(m_colors.edge, opaque),
+        {}};
+    const auto* pixel = static_cast<const unsigned char*>(m_sprite->GetScalarPointer());
+    for (int i = 0; i < side * side; ++i, pixel += 4) {
+        ring.sprite.push_back(premultiplied({pixel[0], pixel[1], pixel[2]}, pixel[3]));
+    }
+    if (m_colors.fill) {
+        // The edge is as the background.
+        const auto brightness = [](const ColorBytes& color) {
+            return color[0] + color[1] + color[2];
+        };
+        const bool isDark = brightness(m_colors.edge) < brightness(m_colors.ring);
+        ring.fill.emplace(
+            *m_colors.fill,
+            opaque,
+            isDark ? OverlapColors::Deepening::Brighter : OverlapColors::Deepening::Darker);
+    }
+    return ring;
+}
+
 void SelectionRing::drawSprite(float markerSize)
 {
-    const float inner = markerSize / 2.0F + gapWidth;
-    const float outer = inner + ringWidth(markerSize);
-    const float whole = outer + edgeWidth;
-    const int side = 2 * static_cast<int>(std::ceil(whole)) + 1;
+    if (m_spriteFor == markerSize) {
+        return;
+    }
+    const Radii radii(markerSize);
+    const int side = size(markerSize);
     m_sprite->SetDimensions(side, side, 1);
     m_sprite->AllocateScalars(VTK_UNSIGNED_CHAR, 4);
     auto* pixel = static_cast<unsigned char*>(m_sprite->GetScalarPointer());
@@ -101,9 +162,9 @@ void SelectionRing::drawSprite(float markerSize)
             std::fill(pixel, pixel + 4, static_cast<unsigned char>(0));
             const float distance =
                 std::hypot(static_cast<float>(x) - middle, static_cast<float>(y) - middle);
-            const float inside = coverage(distance, inner);
-            cover(pixel, m_colors.edge, coverage(distance, whole) * (1.0F - inside));
-            cover(pixel, m_colors.ring, coverage(distance, outer) * (1.0F - inside));
+            const float inside = coverage(distance, radii.inner);
+            cover(pixel, m_colors.edge, coverage(distance, radii.whole) * (1.0F - inside));
+            cover(pixel, m_colors.ring, coverage(distance, radii.outer) * (1.0F - inside));
             if (m_colors.fill) {
                 cover(pixel, *m_colors.fill, inside);
             }

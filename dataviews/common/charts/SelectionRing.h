@@ -2,6 +2,7 @@
 
 #include <dataviews/common/charts/ChartsExport.h>
 #include <dataviews/common/charts/ColorPalette.h>
+#include <dataviews/common/charts/PointRaster.h>
 
 #include <vtkNew.h>
 #include <vtkType.h>
@@ -23,6 +24,11 @@ public:
         ColorBytes ring; ///< against the background, as texts are
         ColorBytes edge; ///< as the background
         std::optional<ColorBytes> fill; ///< covers the point; without it the point shows through
+
+        [[nodiscard]] bool operator==(const Colors& other) const
+        {
+            return ring == other.ring && edge == other.edge && fill == other.fill;
+        }
     };
 
     SelectionRing();
@@ -31,6 +37,14 @@ public:
     ~SelectionRing();
 
     void setColors(const Colors& colors);
+
+    [[nodiscard]] const Colors& colors() const { return m_colors; }
+
+    /// The width of the mark around points of \p markerSize pixels, in whole pixels.
+    [[nodiscard]] static int size(float markerSize);
+
+    /// The mark for pictures of very many points.
+    [[nodiscard]] PointRaster::Ring raster(float markerSize);
 
     /// Puts the mark around the points in \p rows of \p count \p points, given as X and Y in the painter's coordinates.
     /// Rows that there are not, and points that are not finite, are left out; gives the others. \p markerSize is the

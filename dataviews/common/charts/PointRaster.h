@@ -1,0 +1,135 @@
+#pragma once
+
+#include <dataviews/common/charts/ChartsExport.h>
+#include <dataviews/common/charts/MarkerStencil.h>
+#include <dataviews/common/charts/OverlapColors.h>
+#include <dataviews/common/charts/PixelPicture.h>
+
+#include <vtkType.h>
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <vector>
+
+/// Paints very many markers of points into a picture.
+///
+/// Points are counted per pixel first; how many markers cover each pixel is then a matter of the pixels and no longer
+/// of the points. Where the order of the points matters, as their colors differ, markers are painted one after another
+/// wherever no more than OverlapColors::threshold of them lie over one another; elsewhere a pixel gets the average.
+/// Works with some threads, and keeps its memory for the next picture.
+class DATAVIEWS_CHARTS_EXPORT PointRaster
+{
+public:
+    /// From a coordinate of points to pixels: (value - center) * scale + middle. With a center in the view, pixels are
+    /// exact even if the coordinates are large.
+    struct Axis
+    {
+        float center = 0.0F;
+        float scale = 1.0F;
+        float middle = 0.0F;
+
+        [[nodiscard]] bool operator==(const Axis& other) const
+        {
+            return center == other.center && scale == other.scale && middle == other.middle;
+        }
+    };
+
+    /// What is painted. Points that are not finite are left out.
+    struct Points
+    {
+        const float* coordinates = nullptr; ///< X and Y of each point
+        vtkIdType count = 0;
+        const vtkIdType* rows = nullptr; ///< those to be painted, in this order; null for all
+        vtkIdType rowCount = 0; ///< of rows; rows that there are not are left out
+        std::array<Axis, 2> axes =
+            {}; ///< to pixels from the lower left corner inside of the margin
+    };
+
+    /// A mark around points; of marks over one another the later cover the earlier, and in a crowd the marks grow
+    /// together to one around all.
+    struct Ring
+    {
+        /// Row by row from the lowest, as in PixelPicture.
+        std::vector<std::uint32_t> sprite;
+        MarkerStencil
+            whole; ///< covers every visible pixel of the sprite and has its side, as the others
+        MarkerStencil outer; ///< without the edge
+        MarkerStencil inner; ///< without edge and ring
+        std::uint32_t ring = 0;
+        std::uint32_t edge = 0;
+        std::optional<OverlapColors>
+            fill; ///< of the inner pixels; without it they stay as they are
+    };
+
+    /// Markers over one another where the order of the points counts; see OverlapColors.
+    static constexpr std::uint32_t threshold = OverlapColors::threshold;
+
+    /// The largest width and height, with both margins, of a picture.
+    static constexpr int largestSide = 65534;
+
+    PointRaster();
+    PointRaster(const PointRaster&) = delete;
+    PointRaster& operator=(const PointRaster&) = delete;
+    ~PointRaster();
+
+    /// The margin that pictures need at least for a stencil of \p side pixels.
+    [[nodiscard]] static int marginFor(int side) { return side + 2; }
+
+    /// All functions paint over what \p picture shows; its margin fits for the stencil.
+    void paintDiscs(
+        PixelPicture& picture,
+        const Points& points,
+        const MarkerStencil& stencil,
+        const OverlapColors& colors);
+
+    /// \p colors are the red, green, blue and, if \p channels is 4, opacity of each point; 3 channels are opaque.
+    void paintColoredDiscs(
+        PixelPicture& picture,
+        const Points& points,
+        const MarkerStencil& stencil,
+        const unsigned char* colors,
+        int channels);
+
+    void paintRings(PixelPicture& picture, const Points& points, const Ring& ring);
+
+private:
+    class Counter;
+    class ColorSums;
+    struct Part;
+    struct Band;
+
+    void placePoints(
+        const PixelPicture& picture, const Points& points, const MarkerStencil& stencil);
+    void prepareBands(const PixelPicture& picture, int side);
+    void prepareTiles(const PixelPicture& picture);
+    void noteOverlap(int y, int begin, int end, const std::uint32_t* overlap);
+    [[nodiscard]] bool isSparseAt(std::uint32_t place, int side) const;
+    [[nodiscard]] std::vector<int> evenRows(int first, int last) const;
+    void sumColors(
+        const PixelPicture& picture,
+        const Points& points,
+        const unsigned char* colors,
+        int channels);
+    void stampColors(
+        PixelPicture& picture,
+        const Points& points,
+        const MarkerStencil& stencil,
+        const unsigned char* colors,
+        int channels,
+        bool isOpaque);
+    void averageColors(PixelPicture& picture, const MarkerStencil& stencil);
+
+    int m_stride = 0;
+    std::vector<std::uint32_t>
+        m_places; ///< of the painted points: row in the upper half, column in the lower
+    std::vector<Part> m_parts;
+    std::size_t m_partCount = 1; ///< those in use
+    std::vector<Band> m_bands;
+    std::vector<std::uint16_t> m_overlap; ///< markers over each pixel
+    std::vector<unsigned char> m_tiles; ///< whether one has pixels with few markers
+    int m_tileStride = 0;
+    std::vector<std::uint32_t> m_rowTotals; ///< points by row
+    std::vector<std::array<std::uint32_t, 4>> m_sums; ///< of the colors of the points at each pixel
+};

@@ -1,0 +1,149 @@
+#pragma once
+
+#include <dataviews/common/charts/PointSearch.h>
+#include <dataviews/common/charts/PointSearchInterface.h>
+#include <dataviews/common/charts/PointsPainter.h>
+
+#include <vtkContext2D.h>
+#include <vtkIdTypeArray.h>
+#include <vtkPen.h>
+#include <vtkPoints2D.h>
+#include <vtkUnsignedCharArray.h>
+
+#include <algorithm>
+#include <vector>
+
+/// A plot of points, \p Plot being vtkPlotPoints or derived from it, that paints very many points as one picture.
+///
+/// Below rasterThreshold points, and where no picture can be painted (other markers than circles, painters that do not
+/// draw with OpenGL), everything is as in \p Plot. A picture of points looks as \p Plot does wherever no more than
+/// OverlapColors::threshold points lie over one another; see there and PointRaster for what becomes of the others.
+template <class Plot>
+class RasterPlot
+    : public Plot
+    , public PointSearchInterface
+{
+public:
+    /// From so many points on they are painted as a picture.
+    static constexpr vtkIdType rasterThreshold = 4096;
+
+    RasterPlot(const RasterPlot&) = delete;
+    RasterPlot& operator=(const RasterPlot&) = delete;
+
+    void setDeepening(OverlapColors::Deepening deepening) { m_deepening = deepening; }
+
+    bool Paint(vtkContext2D* painter) override
+    {
+        if (!rasters(*painter)) {
+            return paintShapes(painter);
+        }
+        paintBehindRaster(painter);
+        PointsPainter::Look look;
+        look.points = this->Points;
+        look.colors = this->ScalarVisibility != 0 ? this->Colors : nullptr;
+        look.selection = this->Selection;
+        look.pen = this->Pen;
+        look.selectionPen = this->SelectionPen;
+        look.ring = ring();
+        look.markerSize = drawnMarkerSize();
+        look.deepening = m_deepening;
+        m_painter.paint(*painter, look);
+        return true;
+    }
+
+    /// Finds what \p Plot finds, here and in the following; a polygon's rows are in ascending order.
+    bool SelectPoints(const vtkVector2f& min, const vtkVector2f& max) override
+    {
+        if (!hasManyPoints()) {
+            return Plot::SelectPoints(min, max);
+        }
+        vtkIdTypeArray& selection = editedSelection();
+        m_search.select(
+            *this->Points, {min.GetX(), min.GetY(), max.GetX(), max.GetY()}, view(), selection);
+        return selection.GetNumberOfValues() > 0;
+    }
+
+    bool SelectPointsInPolygon(const vtkContextPolygon& polygon) override
+    {
+        if (!hasManyPoints()) {
+            return Plot::SelectPointsInPolygon(polygon);
+        }
+        vtkIdTypeArray& selection = editedSelection();
+        PointSearch::select(*this->Points, polygon, selection);
+        return selection.GetNumberOfValues() > 0;
+    }
+
+    using Plot::GetNearestPoint;
+
+    vtkIdType GetNearestPoint(
+        const vtkVector2f& point,
+        const vtkVector2f& tolerance,
+        vtkVector2f* location,
+        vtkIdType* segmentId) override
+    {
+        return hasManyPoints() ? m_search.nearest(*this->Points, point, tolerance, view(), location)
+                               : Plot::GetNearestPoint(point, tolerance, location, segmentId);
+    }
+
+    [[nodiscard]] std::vector<vtkIdType> rowsIn(const PointCellIndex::Box& box) override
+    {
+        this->Update();
+        return this->Points != nullptr ? m_search.rowsIn(*this->Points, box, view())
+                                       : std::vector<vtkIdType>();
+    }
+
+protected:
+    RasterPlot() = default;
+    ~RasterPlot() override = default;
+
+    /// Paints the plot when it is not painted as a picture.
+    virtual bool paintShapes(vtkContext2D* painter) { return Plot::Paint(painter); }
+
+    /// Paints what lies behind the picture of the points.
+    virtual void paintBehindRaster(vtkContext2D* /*painter*/) {}
+
+    /// The mark of selected points; without one they are marked as \p Plot does.
+    [[nodiscard]] virtual SelectionRing* ring() { return nullptr; }
+
+    /// Sizes below 0 stand for one that depends on the pen.
+    [[nodiscard]] float drawnMarkerSize() const
+    {
+        constexpr float share = 2.3F;
+        constexpr float least = 8.0F;
+        return this->MarkerSize < 0.0F ? std::max(least, this->Pen->GetWidth() * share)
+                                       : this->MarkerSize;
+    }
+
+private:
+    [[nodiscard]] bool hasManyPoints() const
+    {
+        return this->Points != nullptr && this->Points->GetNumberOfPoints() >= rasterThreshold;
+    }
+
+    [[nodiscard]] PointCellIndex::Box view()
+    {
+        return PointSearch::viewOf(this->XAxis, this->YAxis, this->ShiftScale);
+    }
+
+    /// The array that was set, as VTK does.
+    [[nodiscard]] vtkIdTypeArray& editedSelection()
+    {
+        if (this->Selection == nullptr) {
+            this->Selection = vtkIdTypeArray::New();
+        }
+        return *this->Selection;
+    }
+
+    [[nodiscard]] bool rasters(vtkContext2D& painter) const
+    {
+        return this->Visible && hasManyPoints() && this->MarkerStyle == Plot::CIRCLE
+            && this->ValidPointMask == nullptr
+            && (this->ScalarVisibility == 0 || this->Colors == nullptr
+                || this->Colors->GetNumberOfComponents() >= 3)
+            && PointsPainter::canPaint(painter, drawnMarkerSize());
+    }
+
+    PointsPainter m_painter;
+    PointSearch m_search;
+    OverlapColors::Deepening m_deepening = OverlapColors::Deepening::Darker;
+};

@@ -1,0 +1,9 @@
+#include <dataviews/common/charts/RasterPlotPoints.h>
+
+#include <vtkObjectFactory.h>
+
+vtkStandardNewMacro(RasterPlotPoints)
+
+    RasterPlotPoints::RasterPlotPoints() = default;
+
+RasterPlotPoints::~RasterPlotPoints() = default;
