@@ -3,6 +3,7 @@
 #include <analyzer/MainWindow.h>
 #include <analyzer/PictureDialog.h>
 #include <analyzer/SessionKeeper.h>
+#include <analyzer/StepProgress.h>
 #include <analyzer/StudyLoader.h>
 #include <analyzer/ViewArea.h>
 #include <analyzer/export/ReplacementFile.h>
@@ -388,7 +389,8 @@ boost::shared_ptr<AnalyzerViewInterface> MainWindow::view(const CommandLine::Vie
     throw UsageError("There is no view " + name.kind + std::to_string(name.number) + ".");
 }
 
-void MainWindow::exportReport(const QString& path) const
+void MainWindow::exportReport(
+    const QString& path, const std::function<void(double)>& progress) const
 {
     const CvWaitCursor wait;
     const std::vector<boost::shared_ptr<AnalyzerViewInterface>> open = views();
@@ -397,14 +399,20 @@ void MainWindow::exportReport(const QString& path) const
         shown.push_back(view.get());
     }
     const QString date = QLocale::c().toString(QDate::currentDate(), QStringLiteral("d MMMM yyyy"));
+    const auto beforePicture = [&](std::size_t made) {
+        if (progress) {
+            progress(static_cast<double>(made) / static_cast<double>(shown.size()));
+        }
+    };
     writeHtmlReport(
         path.toStdString(),
         makeReport(
             Project::project(),
             *m_filters,
             shown,
-            m_selection->getSelections(),
-            date.toStdString()));
+            *m_selection->cases(),
+            date.toStdString(),
+            beforePicture));
 }
 
 void MainWindow::selectAll()
@@ -683,7 +691,9 @@ void MainWindow::buildExportMenu(QMenu& file)
         if (path.isEmpty()) {
             return;
         }
-        attempt([&] { exportPipelineTable(path); });
+        attemptInSteps(tr("Export Pipeline Table"), [&](const auto& progress) {
+            exportPipelineTable(path, progress);
+        });
     });
     menu->addSeparator();
     m_exportPicture = makeAction(
@@ -692,7 +702,8 @@ void MainWindow::buildExportMenu(QMenu& file)
         const QString path = chooseFileToWrite(
             tr("Export Report"), tr("Web pages (*.html)"), QStringLiteral("html"));
         if (!path.isEmpty()) {
-            attempt([&] { exportReport(path); });
+            attemptInSteps(
+                tr("Export Report"), [&](const auto& progress) { exportReport(path, progress); });
         }
     });
 }
@@ -732,6 +743,19 @@ void MainWindow::attempt(Function function)
     } catch (const std::exception& error) {
         tellError(QString::fromUtf8(error.what()));
     }
+}
+
+template <class Function>
+void MainWindow::attemptInSteps(const QString& title, Function function)
+{
+    attempt([&] {
+        try {
+            StepProgress steps(*this, title);
+            function([&](double fraction) { steps.reach(fraction); });
+        } catch (const StepProgress::Cancelled&) {
+            statusBar()->showMessage(tr("Cancelled: %1").arg(title), remarkTime);
+        }
+    });
 }
 
 void MainWindow::buildPanels()
@@ -1162,13 +1186,19 @@ void MainWindow::exportCases(const QString& path, ExportedCases cases, bool forS
     writeCasesCsv(project, rows, path.toStdString(), {forSpreadsheets});
 }
 
-void MainWindow::exportPipelineTable(const QString& path) const
+void MainWindow::exportPipelineTable(
+    const QString& path, const std::function<void(double)>& progress) const
 {
     const CvWaitCursor wait;
     m_pipeline->output().Update();
-    if (!SurrogateModelCSVExporter().writeCSVFile(
-            &m_pipeline->output(), QFile::encodeName(path).toStdString())) {
-        throw ExceptionBase("\"" + path.toStdString() + "\" cannot be opened for writing.");
+    try {
+        if (!SurrogateModelCSVExporter().writeCSVFile(
+                &m_pipeline->output(), QFile::encodeName(path).toStdString(), progress)) {
+            throw ExceptionBase("\"" + path.toStdString() + "\" cannot be opened for writing.");
+        }
+    } catch (const StepProgress::Cancelled&) {
+        QFile::remove(path);
+        throw;
     }
 }
 

@@ -14,6 +14,7 @@
 
 #include <boost/shared_ptr.hpp>
 
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -133,12 +134,16 @@ public:
     void exportCases(const QString& path, ExportedCases cases, bool forSpreadsheets = false) const;
 
     /// Writes the table of the cases shown, as charts get it, to \p path by VTK's writer: numbers have six digits.
+    /// \p progress, if there is one, is told the share that is written; it may throw to end the work, and the file is gone
+    /// then.
     /// \throws ExceptionBase if the file cannot be opened.
-    void exportPipelineTable(const QString& path) const;
+    void exportPipelineTable(
+        const QString& path, const std::function<void(double)>& progress = {}) const;
 
     /// Writes a report with pictures of all views to the file \p path, a page of HTML; see makeReport().
     /// \throws ExceptionBase if a picture cannot be made or the file not be written.
-    void exportReport(const QString& path) const;
+    /// \p progress as for exportPipelineTable(); the file stays as it was.
+    void exportReport(const QString& path, const std::function<void(double)>& progress = {}) const;
 
     void setTellsErrorsInDialogs(bool inDialogs) { m_tellsErrorsInDialogs = inDialogs; }
 
@@ -202,6 +207,11 @@ private:
     /// Exceptions must not pass through Qt's menus.
     template <class Function>
     void attempt(Function function);
+
+    /// As attempt(), for work that takes a function to tell of its progress; the user may cancel it. \p title says what it
+    /// is.
+    template <class Function>
+    void attemptInSteps(const QString& title, Function function);
     void showReport();
     void showAbout();
 

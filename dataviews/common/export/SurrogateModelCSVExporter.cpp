@@ -1,32 +1,64 @@
 #include <dataviews/common/export/SurrogateModelCSVExporter.h>
 
+#include <vtkAbstractArray.h>
 #include <vtkDelimitedTextWriter.h>
 #include <vtkNew.h>
 #include <vtkTable.h>
 #include <vtkTableAlgorithm.h>
 
+#include <algorithm>
 #include <fstream>
+#include <memory>
 
 namespace {
 
-/// Creates or empties the file; the writer would only print that it could not.
-bool canBeWritten(const std::string& fileName)
+constexpr vtkIdType rowsAtOnce = 5000;
+
+/// The text of \p count rows from \p begin on, under the names of the columns.
+std::string textOf(vtkTable& table, vtkIdType begin, vtkIdType count)
 {
-    return std::ofstream(fileName, std::ios_base::out).good();
+    vtkNew<vtkTable> part;
+    for (vtkIdType i = 0; i < table.GetNumberOfColumns(); ++i) {
+        vtkAbstractArray& column = *table.GetColumn(i);
+        const auto copy = vtkSmartPointer<vtkAbstractArray>::Take(column.NewInstance());
+        copy->SetName(column.GetName());
+        copy->SetNumberOfComponents(column.GetNumberOfComponents());
+        copy->InsertTuples(0, count, begin, &column);
+        part->AddColumn(copy);
+    }
+    vtkNew<vtkDelimitedTextWriter> writer;
+    writer->WriteToOutputStringOn();
+    writer->SetFieldDelimiter(",");
+    writer->SetInputData(part);
+    writer->Write();
+    const std::unique_ptr<char[]> text(writer->RegisterAndGetOutputString());
+    return text.get();
 }
 
 } // namespace
 
 bool SurrogateModelCSVExporter::writeCSVFile(
-    vtkSmartPointer<vtkTableAlgorithm> source, const std::string& fileName) const
+    vtkSmartPointer<vtkTableAlgorithm> source,
+    const std::string& fileName,
+    const std::function<void(double)>& progress) const
 {
-    if (!canBeWritten(fileName)) {
+    // The writer would only print that it could not.
+    std::ofstream file(fileName, std::ios_base::out | std::ios_base::binary);
+    if (!file.good()) {
         return false;
     }
-    vtkNew<vtkDelimitedTextWriter> writer;
-    writer->SetFileName(fileName.c_str());
-    writer->SetFieldDelimiter(",");
-    writer->SetInputData(source->GetOutput());
-    writer->Write();
+    vtkTable& table = *source->GetOutput();
+    const std::string names = textOf(table, 0, 0);
+    file << names;
+    const vtkIdType rowCount = table.GetNumberOfRows();
+    for (vtkIdType begin = 0; begin < rowCount; begin += rowsAtOnce) {
+        const std::string text = textOf(table, begin, std::min(rowsAtOnce, rowCount - begin));
+        file.write(
+            text.data() + names.size(), static_cast<std::streamsize>(text.size() - names.size()));
+        if (progress) {
+            const vtkIdType end = std::min(begin + rowsAtOnce, rowCount);
+            progress(static_cast<double>(end) / static_cast<double>(rowCount));
+        }
+    }
     return true;
 }

@@ -4,6 +4,7 @@
 
 #include <vtkSmartPointer.h>
 
+#include <functional>
 #include <string>
 
 class vtkTableAlgorithm;
@@ -21,5 +22,11 @@ public:
     ///
     /// False if the file cannot be opened, and only then: the writer does not tell of a disk that is full. What the
     /// file held is lost as soon as it could be opened.
-    bool writeCSVFile(vtkSmartPointer<vtkTableAlgorithm> source, const std::string& fileName) const;
+    ///
+    /// \p progress, if there is one, is told now and then the share that is written, from 0 to 1; what it throws ends the
+    /// work, and the file holds what was written until then.
+    bool writeCSVFile(
+        vtkSmartPointer<vtkTableAlgorithm> source,
+        const std::string& fileName,
+        const std::function<void(double)>& progress = {}) const;
 };

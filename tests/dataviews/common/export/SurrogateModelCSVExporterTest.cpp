@@ -4,6 +4,7 @@
 #include <QFile>
 #include <QTemporaryDir>
 
+#include <vtkDelimitedTextWriter.h>
 #include <vtkDoubleArray.h>
 #include <vtkNew.h>
 #include <vtkObjectFactory.h>
@@ -13,7 +14,10 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <stdexcept>
 #include <string>
+#include <vector>
 
 namespace {
 
@@ -73,6 +77,48 @@ TEST_F(SurrogateModelCSVExporterTest, WritesThePresentTableInPlaceOfTheFormerFil
 -2,""
 )");
     }
+}
+
+TEST_F(SurrogateModelCSVExporterTest, TellsOfItsProgressAndWritesInPartsWhatTheWriterDoes)
+{
+    vtkNew<vtkDoubleArray> numbers;
+    numbers->SetName("two\nlines");
+    numbers->SetNumberOfComponents(2);
+    vtkNew<vtkStringArray> texts;
+    texts->SetName("Shape");
+    constexpr int rowCount = 12345;
+    for (int row = 0; row < rowCount; ++row) {
+        numbers->InsertNextTuple2(row / 7.0, -row);
+        texts->InsertNextValue("line " + std::to_string(row) + (row % 3 == 0 ? "\nline" : ""));
+    }
+    m_source->GetOutput()->AddColumn(numbers);
+    m_source->GetOutput()->AddColumn(texts);
+    vtkNew<vtkDelimitedTextWriter> writer;
+    const QString expected = m_folder.filePath(QStringLiteral("expected.csv"));
+    writer->SetFileName(QFile::encodeName(expected).constData());
+    writer->SetInputData(m_source->GetOutput());
+    writer->Write();
+    std::vector<double> shares;
+    const QString path = m_folder.filePath(QStringLiteral("parts.csv"));
+    const auto writeInParts = [&](std::size_t most) {
+        return SurrogateModelCSVExporter().writeCSVFile(
+            m_source.Get(), QFile::encodeName(path).toStdString(), [&](double share) {
+                shares.push_back(share);
+                if (shares.size() == most) {
+                    throw std::runtime_error("enough");
+                }
+            });
+    };
+
+    EXPECT_THROW(static_cast<void>(writeInParts(1)), std::runtime_error);
+    EXPECT_LT(content("parts.csv").size(), content("expected.csv").size());
+    shares.clear();
+    EXPECT_TRUE(writeInParts(rowCount));
+
+    EXPECT_EQ(content("parts.csv"), content("expected.csv"));
+    EXPECT_GT(shares.size(), 1U);
+    EXPECT_TRUE(std::is_sorted(shares.begin(), shares.end()));
+    EXPECT_EQ(shares.back(), 1.0);
 }
 
 TEST_F(SurrogateModelCSVExporterTest, TellsThatAFileCannotBeOpened)
