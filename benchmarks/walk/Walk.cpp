@@ -51,11 +51,13 @@ Qt::MouseButtons heldAt(QEvent::Type type, Qt::MouseButton button)
 
 } // namespace
 
-Walk::Walk(analyzer::AnalyzerApplication& application)
+Walk::Walk(analyzer::AnalyzerApplication& application, StallWatchdog::Clock stallClock)
     : m_application(application)
 {
     m_application.setWatchdog(std::make_unique<StallWatchdog>(
-        [this](const StallWatchdog::Stall& stall) { note(stall); }, smallestWork));
+        [this](const StallWatchdog::Stall& stall) { note(stall); },
+        smallestWork,
+        std::move(stallClock)));
     QObject::connect(
         &m_application,
         &analyzer::AnalyzerApplication::errorReached,

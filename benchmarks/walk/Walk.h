@@ -32,8 +32,8 @@ public:
         std::map<std::string, double> counters = {}; ///< what else was measured
     };
 
-    /// The application's watchdog is the walk's while it lives.
-    explicit Walk(analyzer::AnalyzerApplication& application);
+    /// The application's watchdog is the walk's while it lives; \p stallClock measures the stalls.
+    Walk(analyzer::AnalyzerApplication& application, analyzer::StallWatchdog::Clock stallClock);
     Walk(const Walk&) = delete;
     Walk& operator=(const Walk&) = delete;
     ~Walk();

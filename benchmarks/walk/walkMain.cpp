@@ -10,6 +10,7 @@
 #include <benchmark/benchmark.h>
 
 #include <algorithm>
+#include <chrono>
 #include <cstdlib>
 #include <exception>
 #include <iomanip>
@@ -21,6 +22,7 @@
 #include <benchmarks/walk/Walk.h>
 #include <benchmarks/walk/WalkStudy.h>
 #include <benchmarks/walk/everyAction.h>
+#include <time.h>
 
 namespace {
 
@@ -83,6 +85,16 @@ void printByStall(std::vector<Walk::Step> steps)
     std::cout << std::flush;
 }
 
+/// The CPU time of the thread that asks.
+analyzer::StallWatchdog::Clock cpuClock()
+{
+    return [] {
+        timespec time{};
+        clock_gettime(CLOCK_THREAD_CPUTIME_ID, &time);
+        return std::chrono::seconds(time.tv_sec) + std::chrono::nanoseconds(time.tv_nsec);
+    };
+}
+
 /// What follows \p option, such as "--cases=", which it takes off the arguments; empty if it is not there.
 std::string take(const std::string& option, int& argc, char** argv)
 {
@@ -112,7 +124,8 @@ std::vector<std::string> split(const std::string& text)
 } // namespace
 
 /// The walk through everything that the analyzer can do. It needs a display. --cases=COUNT is for a study of another size
-/// than a million cases, --views=KIND,KIND for some views alone.
+/// than a million cases, --views=KIND,KIND for some views alone, --clock=cpu for stalls in CPU time of the GUI thread, on a
+/// machine that does other work.
 int main(int argc, char** argv)
 {
     const QTemporaryDir settings;
@@ -127,12 +140,13 @@ int main(int argc, char** argv)
         const std::string count = take("--cases=", argc, argv);
         const std::size_t cases = count.empty() ? defaultCases : std::stoul(count);
         const std::vector<std::string> kinds = split(take("--views=", argc, argv));
+        const bool usesCpuTime = take("--clock=", argc, argv) == "cpu";
         benchmark::Initialize(&argc, argv);
         if (benchmark::ReportUnrecognizedArguments(argc, argv)) {
             return EXIT_FAILURE;
         }
         const WalkStudy study(cases);
-        Walk walk(application);
+        Walk walk(application, usesCpuTime ? cpuClock() : analyzer::StallWatchdog::steadyClock());
         walk.window().resize(1600, 1000);
         walk.window().show();
         doEveryAction(walk, study, kinds);
