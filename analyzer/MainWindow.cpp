@@ -5,6 +5,7 @@
 #include <analyzer/SessionKeeper.h>
 #include <analyzer/StepProgress.h>
 #include <analyzer/StudyLoader.h>
+#include <analyzer/StudyPreview.h>
 #include <analyzer/ViewArea.h>
 #include <analyzer/export/ReplacementFile.h>
 #include <analyzer/export/Report.h>
@@ -19,6 +20,7 @@
 #include <analyzer/panels/TagsPanel.h>
 #include <analyzer/panels/plainToolTip.h>
 #include <analyzer/panels/withoutMnemonic.h>
+#include <analyzer/runWithProgress.h>
 #include <analyzer/selection/UndoableSelectionModel.h>
 #include <analyzer/session/sessionText.h>
 #include <analyzer/session/sessionXml.h>
@@ -60,9 +62,9 @@
 #include <QMenuBar>
 #include <QMessageBox>
 #include <QMimeData>
-#include <QProgressDialog>
 #include <QSettings>
 #include <QShortcut>
+#include <QStackedWidget>
 #include <QStatusBar>
 #include <QToolBar>
 #include <QToolButton>
@@ -75,7 +77,6 @@
 #include <boost/pointer_cast.hpp>
 
 #include <algorithm>
-#include <cmath>
 #include <map>
 #include <optional>
 #include <set>
@@ -89,7 +90,7 @@ constexpr const char* recentKey = "RecentStudies";
 constexpr int maxRecent = 10;
 constexpr int maxUndoSteps = 1000;
 constexpr int progressInterval = 50; // milliseconds
-constexpr int progressSteps = 1000;
+constexpr int previewDelay = 80; // milliseconds: what opens faster does not flicker
 constexpr int remarkTime = 10000; // milliseconds
 
 constexpr std::uint64_t zoomStep = 5; // percent
@@ -148,7 +149,7 @@ MainWindow::MainWindow()
     UndoStack::history().setUndoLimit(maxUndoSteps);
     const ViewServices services{*m_pipeline, m_selection, m_images, m_scaledImages, m_hovered};
     m_viewArea = new ViewArea(services, this);
-    setCentralWidget(m_viewArea);
+    buildPreview();
     buildMenus();
     buildPanels();
     m_sessions = std::make_unique<SessionKeeper>(
@@ -169,25 +170,16 @@ MainWindow::MainWindow()
     m_connections.add(m_pipeline->signalPipelineChanged.connect([this] { updateStatus(); }));
     connect(m_loader, &StudyLoader::finished, this, &MainWindow::takeStudy);
     connect(m_loader, &StudyLoader::cancelled, this, [this] {
-        closeProgress();
+        hidePreview();
         m_pendingSession.reset();
     });
     connect(
         m_loader, &StudyLoader::failed, this, [this](const QString& path, const QString& message) {
-            closeProgress();
+            hidePreview();
             m_pendingSession.reset();
             tellError(message);
             Q_EMIT openingFailed(path, message);
         });
-    m_progressTimer.setInterval(progressInterval);
-    connect(&m_progressTimer, &QTimer::timeout, this, [this] {
-        if (m_progress && m_loader->isRunning()) {
-            m_progress->setValue(
-                static_cast<int>(std::lround(m_loader->fraction() * (progressSteps - 1))));
-        } else {
-            m_progressTimer.stop();
-        }
-    });
     updateActions();
     updateStatus();
 }
@@ -210,7 +202,7 @@ void MainWindow::openStudy(const QString& path)
         return;
     }
     m_pendingSession.reset();
-    startLoading(path, tr("Open Study"), false);
+    startLoading(path, false);
 }
 
 void MainWindow::openSession(const QString& path)
@@ -248,7 +240,7 @@ void MainWindow::openSession(const QString& path, bool isOwn)
         }
         m_pendingSession =
             PendingSession{std::move(session), QFileInfo(path).absoluteFilePath(), isOwn};
-        startLoading(study, tr("Open Session"), true);
+        startLoading(study, true);
     } catch (const ExceptionBase& error) {
         const QString message = QString::fromUtf8(error.what());
         tellError(message);
@@ -273,20 +265,13 @@ QByteArray MainWindow::sessionText(const QString& folder) const
     return m_sessions->write(folder);
 }
 
-void MainWindow::startLoading(const QString& path, const QString& title, bool withFingerprint)
+void MainWindow::startLoading(const QString& path, bool withFingerprint)
 {
     m_loader->start(path, withFingerprint);
-    closeProgress();
-    m_progress = new QProgressDialog(
-        tr("Reading %1…").arg(QFileInfo(path).fileName()), tr("Cancel"), 0, progressSteps, this);
-    m_progress->setWindowTitle(title);
-    m_progress->setWindowModality(Qt::WindowModal);
-    m_progress->setAutoClose(false);
-    m_progress->setAutoReset(false);
-    m_progress->setMinimumDuration(300);
-    m_progress->setValue(0);
-    connect(m_progress, &QProgressDialog::canceled, m_loader, &StudyLoader::cancel);
-    m_progressTimer.start();
+    m_preview->start(QFileInfo(path).fileName());
+    if (!isPreviewShown()) {
+        m_previewDelay->start();
+    }
 }
 
 bool MainWindow::isOpening() const
@@ -829,19 +814,78 @@ boost::shared_ptr<ImageMatrixViewInterface> MainWindow::matrixForTags()
     return imageMatrix(*addView("images"));
 }
 
-void MainWindow::closeProgress()
+void MainWindow::buildPreview()
 {
-    if (m_progress) {
-        // Not at once: the dialog handles events in the middle of showing a new value, and this may be one of them.
-        m_progress->hide();
-        m_progress->deleteLater();
-        m_progress = nullptr;
+    m_pages = new QStackedWidget(this);
+    m_preview = new StudyPreview(m_pages);
+    m_pages->addWidget(m_viewArea);
+    m_pages->addWidget(m_preview);
+    setCentralWidget(m_pages);
+    connect(m_preview, &StudyPreview::cancelled, m_loader, &StudyLoader::cancel);
+    m_previewDelay = new QTimer(this);
+    m_previewDelay->setObjectName(QStringLiteral("PreviewDelay"));
+    m_previewDelay->setSingleShot(true);
+    m_previewDelay->setInterval(previewDelay);
+    connect(m_previewDelay, &QTimer::timeout, this, &MainWindow::showPreview);
+    m_progressTimer.setInterval(progressInterval);
+    connect(&m_progressTimer, &QTimer::timeout, this, &MainWindow::updatePreview);
+}
+
+bool MainWindow::isPreviewShown() const
+{
+    return m_pages->currentWidget() == m_preview;
+}
+
+void MainWindow::showPreview()
+{
+    if (!m_loader->isRunning()) {
+        return;
     }
+    updatePreview();
+    m_progressTimer.start();
+    m_focusBeforePreview = focusWidget();
+    m_pages->setCurrentWidget(m_preview);
+    m_preview->setFocus();
+    // Whatever is changed in the former study now may be lost in a moment.
+    for (QWidget* panel : panels()) {
+        panel->setEnabled(false);
+    }
+    updateActions();
+}
+
+void MainWindow::updatePreview()
+{
+    if (const std::optional<TablePreview> table = m_loader->takePreview()) {
+        m_preview->setTable(*table);
+    }
+    m_preview->setFraction(m_loader->fraction());
+}
+
+void MainWindow::hidePreview()
+{
+    m_previewDelay->stop();
+    m_progressTimer.stop();
+    if (!isPreviewShown()) {
+        return;
+    }
+    m_pages->setCurrentWidget(m_viewArea);
+    for (QWidget* panel : panels()) {
+        panel->setEnabled(true);
+    }
+    if (m_focusBeforePreview) {
+        m_focusBeforePreview->setFocus();
+    }
+    updateActions();
+}
+
+QList<QWidget*> MainWindow::panels() const
+{
+    return {m_settings, m_filtersPanel, m_tagsPanel};
 }
 
 void MainWindow::takeStudy(const QString& path)
 {
-    closeProgress();
+    hidePreview();
     if (m_pendingSession) {
         takeSession(path);
         return;
@@ -909,6 +953,11 @@ void MainWindow::takeSession(const QString& path)
 
 void MainWindow::replaceStudy(ReadStudy& study)
 {
+    // A view with OpenGL paints itself whenever it gets another parent, size or visibility. Until all have their places
+    // that is in vain, and with many cases it takes long.
+    m_viewArea->setUpdatesEnabled(false);
+    QTimer::singleShot(0, m_viewArea, [this] { m_viewArea->setUpdatesEnabled(true); });
+
     // The views of the former study go before it does, and with them everything that could be undone.
     m_viewArea->closeAll();
     {
@@ -950,19 +999,19 @@ void MainWindow::showContextMenu(const QPoint& place)
 void MainWindow::updateActions()
 {
     updateExportActions();
-    const bool hasStudy = Project::project().caseCount() > 0;
+    const bool hasStudy = showsStudy();
     for (QAction* action : m_studyActions) {
         action->setEnabled(hasStudy);
     }
-    const bool hasAxes = activeView() && activeView()->hasAxes();
+    const bool hasAxes = hasStudy && activeView() && activeView()->hasAxes();
     for (QAction* action : {m_fit, m_resetX, m_resetY}) {
         action->setEnabled(hasAxes);
     }
-    const bool zooms = activeView() && activeView()->zoom();
+    const bool zooms = hasStudy && activeView() && activeView()->zoom();
     for (QAction* action : {m_zoomIn, m_zoomOut, m_resetZoom}) {
         action->setEnabled(zooms);
     }
-    const bool hasModes = activeView() && activeView()->mouseModeProperty();
+    const bool hasModes = hasStudy && activeView() && activeView()->mouseModeProperty();
     for (QAction* action : m_mouseModes->actions()) {
         action->setEnabled(hasModes);
         action->setChecked(
@@ -981,9 +1030,14 @@ void MainWindow::updateActions()
     }
 }
 
+bool MainWindow::showsStudy() const
+{
+    return Project::project().caseCount() > 0 && !isPreviewShown();
+}
+
 void MainWindow::updateExportActions()
 {
-    const bool hasStudy = Project::project().caseCount() > 0;
+    const bool hasStudy = showsStudy();
     m_exportShown->setEnabled(hasStudy);
     m_exportTable->setEnabled(hasStudy);
     m_exportReport->setEnabled(hasStudy);
@@ -1165,25 +1219,29 @@ void MainWindow::chooseExportFile(ExportedCases cases)
     if (dialog.exec() != QDialog::Accepted) {
         return;
     }
-    try {
-        exportCases(
-            dialog.selectedFiles().constFirst(),
-            cases,
-            dialog.selectedNameFilter() == forSpreadsheets);
-    } catch (const ExceptionBase& error) {
-        tellError(QString::fromUtf8(error.what()));
+    const std::string path = dialog.selectedFiles().constFirst().toStdString();
+    const CsvOptions options{dialog.selectedNameFilter() == forSpreadsheets};
+    const RowBitmap rows = rowsToExport(cases);
+    attempt([&] {
+        runWithProgress(*this, dialog.windowTitle(), [&](const ExportProgress& progress) {
+            return writeCasesCsv(Project::project(), rows, path, options, progress);
+        });
+    });
+}
+
+RowBitmap MainWindow::rowsToExport(ExportedCases cases) const
+{
+    RowBitmap rows = m_pipeline->passingRows();
+    if (cases == SelectedCases) {
+        rows = selectedRows(Project::project(), *m_selection->cases());
     }
+    return rows;
 }
 
 void MainWindow::exportCases(const QString& path, ExportedCases cases, bool forSpreadsheets) const
 {
     const CvWaitCursor wait;
-    const Project& project = Project::project();
-    RowBitmap rows = m_pipeline->passingRows();
-    if (cases == SelectedCases) {
-        rows = selectedRows(project, *m_selection->cases());
-    }
-    writeCasesCsv(project, rows, path.toStdString(), {forSpreadsheets});
+    writeCasesCsv(Project::project(), rowsToExport(cases), path.toStdString(), {forSpreadsheets});
 }
 
 void MainWindow::exportPipelineTable(

@@ -4,6 +4,7 @@
 #include <analyzer/session/Session.h>
 #include <analyzer/study/StudyReport.h>
 
+#include <dataviews/platform/data/RowBitmap.h>
 #include <dataviews/platform/data/WeakPtr.h>
 #include <dataviews/platform/pipeline/DataPipelineManager.h>
 #include <dataviews/platform/signals/SignalConnectionCollection.h>
@@ -29,7 +30,7 @@ class QAction;
 class QActionGroup;
 class QLabel;
 class QMenu;
-class QProgressDialog;
+class QStackedWidget;
 class SelectionModelInterface;
 
 namespace analyzer {
@@ -43,6 +44,7 @@ class HoveredCase;
 class SessionKeeper;
 class SettingsPanel;
 class StudyLoader;
+class StudyPreview;
 class TagEditor;
 class TagsPanel;
 class ViewArea;
@@ -67,8 +69,8 @@ public:
     MainWindow& operator=(const MainWindow&) = delete;
     ~MainWindow() override;
 
-    /// Reads the study at \p path in the background, with progress and cancel, and then shows it in place of the open
-    /// one. If it cannot be read, everything stays as it is.
+    /// Reads the study at \p path in the background and then shows it in place of the open one. While that takes, a
+    /// StudyPreview hides the views. If it cannot be read, everything stays as it is.
     void openStudy(const QString& path);
 
     /// Reads the session at \p path and its study in the background and then shows them in place of what is open. If
@@ -179,8 +181,14 @@ private:
     void buildPanels();
     void connectTagsPanel();
     boost::shared_ptr<ImageMatrixViewInterface> matrixForTags();
-    void closeProgress();
-    void startLoading(const QString& path, const QString& title, bool withFingerprint);
+    void buildPreview();
+    [[nodiscard]] bool isPreviewShown() const;
+    [[nodiscard]] bool showsStudy() const;
+    [[nodiscard]] QList<QWidget*> panels() const;
+    void showPreview();
+    void hidePreview();
+    void updatePreview();
+    void startLoading(const QString& path, bool withFingerprint);
     void takeStudy(const QString& path);
     void takeSession(const QString& path);
     void replaceStudy(ReadStudy& study);
@@ -199,6 +207,7 @@ private:
     bool chooseAndSaveSession();
     [[nodiscard]] bool mayLeaveSession();
     void chooseExportFile(ExportedCases cases);
+    [[nodiscard]] RowBitmap rowsToExport(ExportedCases cases) const;
     void choosePicture();
 
     /// Empty if the user does not want to.
@@ -271,7 +280,10 @@ private:
     QAction* m_exportReport = nullptr;
     QList<QAction*> m_selectionActions;
     QList<QAction*> m_studyActions; ///< those that need an open study
-    QPointer<QProgressDialog> m_progress;
+    QStackedWidget* m_pages = nullptr; ///< the views, and the preview in their place
+    StudyPreview* m_preview = nullptr;
+    QPointer<QWidget> m_focusBeforePreview;
+    QTimer* m_previewDelay = nullptr;
     QTimer m_progressTimer;
     SignalConnectionCollection m_activeConnections;
     SignalConnectionCollection m_connections;

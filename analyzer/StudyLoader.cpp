@@ -2,6 +2,8 @@
 #include <analyzer/study/ReadCancelled.h>
 #include <analyzer/study/ReadProgress.h>
 
+#include <algorithm>
+#include <chrono>
 #include <exception>
 #include <new>
 #include <utility>
@@ -14,24 +16,38 @@ StudyLoader::StudyLoader(QObject* parent)
 
 StudyLoader::~StudyLoader()
 {
-    stop();
+    abandon();
 }
 
 void StudyLoader::start(const QString& path, bool withFingerprint)
 {
-    stop();
+    abandon();
+    const auto isOver = [](const std::future<void>& thread) {
+        return thread.wait_for(std::chrono::seconds(0)) == std::future_status::ready;
+    };
+    m_threads.erase(std::remove_if(m_threads.begin(), m_threads.end(), isOver), m_threads.end());
+    m_path = path;
     m_progress = std::make_shared<ReadProgress>();
-    m_thread =
-        std::thread([this, name = path.toStdString(), withFingerprint, progress = m_progress] {
+    m_threads.push_back(std::async(
+        std::launch::async,
+        [this, name = path.toStdString(), withFingerprint, progress = m_progress] {
             read(name, withFingerprint, progress);
-        });
+        }));
 }
 
 void StudyLoader::cancel()
 {
-    if (m_progress) {
-        m_progress->cancel();
+    if (!m_progress) {
+        return;
     }
+    m_progress->cancel();
+    const auto tell = [this, progress = m_progress] {
+        if (m_progress == progress) { // the study was not ready before
+            m_progress.reset();
+            Q_EMIT cancelled(m_path);
+        }
+    };
+    QMetaObject::invokeMethod(this, tell, Qt::QueuedConnection);
 }
 
 double StudyLoader::fraction() const
@@ -39,12 +55,16 @@ double StudyLoader::fraction() const
     return m_progress ? m_progress->fraction() : 1.0;
 }
 
-void StudyLoader::stop()
+std::optional<TablePreview> StudyLoader::takePreview()
 {
-    cancel();
-    m_progress.reset();
-    if (m_thread.joinable()) {
-        m_thread.join();
+    return m_progress ? m_progress->takePreview() : std::nullopt;
+}
+
+void StudyLoader::abandon()
+{
+    if (m_progress) {
+        m_progress->cancel();
+        m_progress.reset();
     }
 }
 
@@ -56,16 +76,16 @@ void StudyLoader::read(
     // Shared, since what is posted to another thread must be copyable.
     const auto study = std::make_shared<ReadStudy>();
     QString message;
-    bool wasCancelled = false;
     try {
         *study = readStudy(path, *progress);
         if (withFingerprint) {
             fingerprint = fingerprintOf(
                 study->project->filePath(), began, [&progress] { return progress->isCancelled(); });
-            progress->throwIfCancelled();
         }
+        progress->throwIfCancelled();
     } catch (const ReadCancelled&) {
-        wasCancelled = true;
+        *study = {}; // here, for it may be large
+        return; // nobody waits for it
     } catch (const std::bad_alloc&) {
         message = tr("There is not enough memory for the study \"%1\".")
                       .arg(QString::fromStdString(path));
@@ -73,15 +93,13 @@ void StudyLoader::read(
         message = QString::fromUtf8(error.what());
     }
 
-    const auto deliver = [this, path, progress, study, message, wasCancelled, fingerprint, began] {
+    const auto deliver = [this, path, progress, study, message, fingerprint, began] {
         if (m_progress != progress) {
-            return; // another reading was started meanwhile
+            return; // it was cancelled, or another reading was started meanwhile
         }
         m_progress.reset();
         const QString name = QString::fromStdString(path);
-        if (wasCancelled) {
-            Q_EMIT cancelled(name);
-        } else if (!message.isEmpty()) {
+        if (!message.isEmpty()) {
             Q_EMIT failed(name, message);
         } else {
             m_study = std::move(*study);

@@ -2,21 +2,24 @@
 
 #include <analyzer/session/StudyFingerprint.h>
 #include <analyzer/study/StudyReader.h>
+#include <analyzer/study/TablePreview.h>
 
 #include <QDateTime>
 #include <QObject>
 #include <QString>
 
+#include <future>
 #include <memory>
 #include <optional>
 #include <string>
-#include <thread>
+#include <vector>
 
 namespace analyzer {
 
-/// Reads one study after another in a thread of its own.
+/// Reads one study after another in threads of its own.
 ///
-/// Lives on the GUI thread, where its signals come. Destroying it cancels the reading and waits for that.
+/// Lives on the GUI thread, where its signals come. A reading that is cancelled is over for everyone else at once, while
+/// its thread still gives back memory. Destroying the loader cancels the reading and waits for all threads.
 class StudyLoader : public QObject
 {
     Q_OBJECT
@@ -39,6 +42,9 @@ public:
     /// From 0 to 1.
     [[nodiscard]] double fraction() const;
 
+    /// The first rows of the study that is being read, once, as soon as they are there.
+    [[nodiscard]] std::optional<TablePreview> takePreview();
+
     /// The study that finished() announced; whoever asks takes it.
     [[nodiscard]] ReadStudy takeStudy() { return std::move(m_study); }
 
@@ -59,12 +65,13 @@ Q_SIGNALS:
     void cancelled(const QString& path);
 
 private:
-    void stop();
+    void abandon();
     void read(
         const std::string& path, bool withFingerprint, std::shared_ptr<ReadProgress> progress);
 
-    std::thread m_thread;
+    std::vector<std::future<void>> m_threads; ///< of the reading that runs, and of cancelled ones
     std::shared_ptr<ReadProgress> m_progress; ///< of the reading that runs
+    QString m_path; ///< likewise
     ReadStudy m_study;
     std::optional<StudyFingerprint> m_fingerprint;
     QDateTime m_readingBegan;

@@ -1,5 +1,6 @@
 #include <analyzer/export/ReplacementFile.h>
 #include <analyzer/export/writeCasesCsv.h>
+#include <analyzer/study/forEachInThreads.h>
 
 #include <dataviews/platform/data/Project.h>
 
@@ -10,50 +11,46 @@
 #include <vtkStringArray.h>
 
 #include <algorithm>
+#include <atomic>
 #include <charconv>
 #include <cmath>
+#include <condition_variable>
 #include <cstdint>
 #include <cstring>
-#include <future>
+#include <mutex>
 #include <string_view>
-#include <utility>
+#include <thread>
 #include <vector>
 
 namespace analyzer {
 
 namespace {
 
-constexpr std::size_t flushBytes = std::size_t{1} << 20U;
+constexpr std::size_t firstBytes = std::size_t{1} << 20U;
 constexpr std::size_t maxNumberBytes = 32;
 
-/// Gathers text, and hands it to the file in large pieces.
-class CsvBuffer
+/// Pieces of so many cases are written one after another, and gathered beside each other.
+constexpr std::size_t casesInPiece = 8192;
+
+/// Gathers text.
+class CsvText
 {
 public:
-    CsvBuffer(ReplacementFile& file, CsvOptions options)
-        : m_file(file)
-        , m_options(options)
-        , m_bytes(flushBytes)
+    explicit CsvText(CsvOptions options)
+        : m_options(options)
+        , m_bytes(firstBytes)
     {}
+
+    void clear() { m_used = 0; }
+
+    void writeTo(ReplacementFile& file) const { file.write(m_bytes.data(), m_used); }
 
     /// Makes room for \p size more bytes.
     void reserve(std::size_t size)
     {
-        if (m_bytes.size() - m_used >= size) {
-            return;
+        if (m_bytes.size() - m_used < size) {
+            m_bytes.resize(std::max(m_used + size, 2 * m_bytes.size()));
         }
-        writeBeside();
-        if (m_bytes.size() < size) {
-            m_bytes.resize(size);
-        }
-    }
-
-    /// Hands the rest to the file, which has all then.
-    void flush()
-    {
-        waitForWriting();
-        m_file.write(m_bytes.data(), m_used);
-        m_used = 0;
     }
 
     /// There must be room for it.
@@ -126,25 +123,6 @@ private:
             std::to_chars(begin, begin + maxNumberBytes, value).ptr - begin);
     }
 
-    /// Lets the file take what is there while the next text is gathered: for large tables that is a third of the time.
-    void writeBeside()
-    {
-        waitForWriting();
-        m_bytes.swap(m_inWriting);
-        m_bytes.resize(std::max(m_bytes.size(), flushBytes));
-        const auto write = [this, size = std::exchange(m_used, 0)] {
-            m_file.write(m_inWriting.data(), size);
-        };
-        m_writing = std::async(std::launch::async, write);
-    }
-
-    void waitForWriting()
-    {
-        if (m_writing.valid()) {
-            m_writing.get();
-        }
-    }
-
     static bool isBlank(char byte) { return byte == ' ' || byte == '\t'; }
 
     static bool mustBeQuoted(std::string_view text)
@@ -163,12 +141,9 @@ private:
         return !text.empty() && starts.find(text.front()) != std::string_view::npos;
     }
 
-    ReplacementFile& m_file;
     CsvOptions m_options;
     std::vector<char> m_bytes;
-    std::vector<char> m_inWriting;
     std::size_t m_used = 0;
-    std::future<void> m_writing; ///< the last, for its end is waited for before the others go
 };
 
 /// The values of one variable; one of the pointers is set.
@@ -190,7 +165,7 @@ struct Column
     const int* integers = nullptr;
 };
 
-void putNames(CsvBuffer& buffer, const std::vector<std::string>& names)
+void putNames(CsvText& text, const std::vector<std::string>& names)
 {
     // Whoever guesses the delimiter, as StudyReader does, sees from quotes that those in names are none.
     const bool quoted = std::any_of(names.begin(), names.end(), [](const std::string& name) {
@@ -198,42 +173,137 @@ void putNames(CsvBuffer& buffer, const std::vector<std::string>& names)
     });
     bool isFirst = true;
     for (const std::string& name : names) {
-        buffer.reserve(1);
+        text.reserve(1);
         if (!isFirst) {
-            buffer.put(',');
+            text.put(',');
         }
         isFirst = false;
-        buffer.putText(name, quoted);
+        text.putText(name, quoted);
     }
-    buffer.reserve(1);
-    buffer.put('\n');
+    text.reserve(1);
+    text.put('\n');
 }
 
-void putCase(CsvBuffer& buffer, const std::vector<Column>& columns, std::size_t row)
+void putCase(CsvText& text, const std::vector<Column>& columns, std::size_t row)
 {
     bool isFirst = true;
     for (const Column& column : columns) {
-        buffer.reserve(1);
+        text.reserve(1);
         if (!isFirst) {
-            buffer.put(',');
+            text.put(',');
         }
         isFirst = false;
         if (column.reals != nullptr) {
-            buffer.putReal(column.reals[row]);
+            text.putReal(column.reals[row]);
         } else if (column.texts != nullptr) {
-            buffer.putText(column.texts[row]);
+            text.putText(column.texts[row]);
         } else {
-            buffer.putInteger(column.integers[row]);
+            text.putInteger(column.integers[row]);
         }
     }
-    buffer.reserve(1);
-    buffer.put('\n');
+    text.reserve(1);
+    text.put('\n');
 }
+
+/// Writes the cases of a project piece by piece, in several threads.
+class CaseWriter
+{
+public:
+    CaseWriter(
+        const std::vector<Column>& columns,
+        const RowBitmap& rows,
+        CsvOptions options,
+        ReplacementFile& file,
+        const ExportProgress& progress)
+        : m_columns(columns)
+        , m_rows(rows)
+        , m_options(options)
+        , m_file(file)
+        , m_progress(progress)
+        , m_pieceCount((rows.rowCount() + casesInPiece - 1) / casesInPiece)
+    {}
+
+    /// False if it was cancelled.
+    bool write()
+    {
+        const std::size_t workers =
+            std::min<std::size_t>(std::max(1U, std::thread::hardware_concurrency()), m_pieceCount);
+        forEachInThreads(workers, workers, [this](std::size_t) { work(); });
+        return !m_isStopped;
+    }
+
+private:
+    void work()
+    {
+        try {
+            CsvText text(m_options);
+            for (std::size_t piece = m_next++; piece < m_pieceCount; piece = m_next++) {
+                text.clear();
+                gather(piece, text);
+                if (!writeInTurn(piece, text)) {
+                    return;
+                }
+            }
+        } catch (...) {
+            stop();
+            throw;
+        }
+    }
+
+    void gather(std::size_t piece, CsvText& text) const
+    {
+        const std::size_t end = std::min((piece + 1) * casesInPiece, m_rows.rowCount());
+        for (std::size_t row = m_rows.next(piece * casesInPiece); row < end;
+             row = m_rows.next(row + 1)) {
+            putCase(text, m_columns, row);
+        }
+    }
+
+    /// False if nothing more is wanted.
+    bool writeInTurn(std::size_t piece, const CsvText& text)
+    {
+        std::unique_lock<std::mutex> lock(m_mutex);
+        m_turn.wait(lock, [&] { return m_isStopped || m_written == piece; });
+        if (m_isStopped) {
+            return false;
+        }
+        // The others gather meanwhile.
+        text.writeTo(m_file);
+        ++m_written;
+        m_isStopped = m_progress
+            && !m_progress(static_cast<double>(m_written) / static_cast<double>(m_pieceCount));
+        m_turn.notify_all();
+        return !m_isStopped;
+    }
+
+    void stop()
+    {
+        const std::lock_guard<std::mutex> lock(m_mutex);
+        m_isStopped = true;
+        m_turn.notify_all();
+    }
+
+    const std::vector<Column>& m_columns;
+    const RowBitmap& m_rows;
+    CsvOptions m_options;
+    ReplacementFile& m_file;
+    const ExportProgress& m_progress;
+    std::size_t m_pieceCount;
+    std::atomic<std::size_t> m_next{0};
+    std::mutex m_mutex;
+    std::condition_variable m_turn;
+    std::size_t m_written = 0;
+    bool m_isStopped = false;
+};
 
 } // namespace
 
-void writeCasesCsv(
-    const Project& project, const RowBitmap& rows, const std::string& path, CsvOptions options)
+bool writeCasesCsv(
+    const Project& project,
+    const RowBitmap& rows,
+    const std::string& path,
+    CsvOptions options,
+    const ExportProgress& progress)
 {
     Q_ASSERT_X(
         rows.rowCount() == project.caseCount(), "writeCasesCsv", "the bitmap is of other cases");
@@ -250,11 +320,14 @@ void writeCasesCsv(
     }
 
     ReplacementFile file(path);
-    CsvBuffer buffer(file, options);
-    putNames(buffer, names);
-    rows.forEach([&](std::size_t row) { putCase(buffer, columns, row); });
-    buffer.flush();
+    CsvText head(options);
+    putNames(head, names);
+    head.writeTo(file);
+    if (!CaseWriter(columns, rows, options, file, progress).write()) {
+        return false;
+    }
     file.commit();
+    return true;
 }
 
 } // namespace analyzer

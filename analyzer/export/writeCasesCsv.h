@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <string>
 
 class Project;
@@ -15,6 +16,10 @@ struct CsvOptions
     bool forSpreadsheets = false;
 };
 
+/// Called again and again with the part of the work that is done, from 0 to 1, on any thread but one at a time; returns
+/// whether to go on.
+using ExportProgress = std::function<bool(double)>;
+
 /// Writes the cases of \p rows, a bitmap of all cases of \p project, with all variables to the file \p path (UTF-8).
 ///
 /// CSV as RFC 4180 has it but with line feeds, in UTF-8: a line of names, then a line for each case; the case ID comes
@@ -25,11 +30,15 @@ struct CsvOptions
 ///
 /// The file is written as a whole or, with an error, left as it was; see ReplacementFile.
 ///
+/// May be called on any thread; the project must not change meanwhile. False if \p progress did not want to go on; the
+/// file is as it was then.
+///
 /// \throws ExceptionBase if the file cannot be written.
-void writeCasesCsv(
+bool writeCasesCsv(
     const Project& project,
     const RowBitmap& rows,
     const std::string& path,
-    CsvOptions options = {});
+    CsvOptions options = {},
+    const ExportProgress& progress = {});
 
 } // namespace analyzer

@@ -1,4 +1,5 @@
 #include <analyzer/MainWindow.h>
+#include <analyzer/StudyPreview.h>
 #include <analyzer/panels/SettingsPanel.h>
 #include <analyzer/views/AnalyzerViewInterface.h>
 #include <analyzer/views/CaseTableSelection.h>
@@ -23,9 +24,9 @@
 #include <QHelpEvent>
 #include <QLabel>
 #include <QMouseEvent>
-#include <QProgressDialog>
 #include <QPushButton>
 #include <QSignalSpy>
+#include <QTableWidget>
 #include <QTemporaryDir>
 #include <QTest>
 #include <QTimer>
@@ -45,6 +46,8 @@ namespace {
 
 using Cases = std::set<unsigned long long>;
 using analyzer::MainWindow;
+using analyzer::SettingsPanel;
+using analyzer::StudyPreview;
 
 class MainWindowTest : public testing::Test
 {
@@ -385,9 +388,9 @@ TEST_F(MainWindowTest, CancelledReadingLeavesEverythingAsItWas)
     QSignalSpy opened(m_window.get(), &MainWindow::studyOpened);
 
     m_window->openStudy(write(QStringLiteral("large.csv"), rows));
-    auto* progress = m_window->findChild<QProgressDialog*>();
-    ASSERT_NE(progress, nullptr);
-    auto* cancel = progress->findChild<QPushButton*>();
+    auto* preview = m_window->findChild<StudyPreview*>();
+    ASSERT_NE(preview, nullptr);
+    auto* cancel = preview->findChild<QPushButton*>();
     ASSERT_NE(cancel, nullptr);
     cancel->click();
     for (int i = 0; i < 2000 && m_window->isOpening(); ++i) {
@@ -398,8 +401,46 @@ TEST_F(MainWindowTest, CancelledReadingLeavesEverythingAsItWas)
     EXPECT_FALSE(m_window->isOpening());
     EXPECT_TRUE(opened.isEmpty());
     EXPECT_TRUE(told.isEmpty()) << "whoever cancels knows";
-    EXPECT_EQ(m_window->findChild<QProgressDialog*>(), nullptr);
+    EXPECT_FALSE(preview->isVisible());
     EXPECT_EQ(status(), QStringLiteral("1 of 40 cases selected"));
+}
+
+TEST_F(MainWindowTest, FirstRowsStandInForTheViewsUntilTheReadingIsCancelled)
+{
+    ASSERT_TRUE(open(writeStudy()));
+    m_window->show();
+    const QWidget& view = m_window->views().front()->widget();
+    auto* settings = m_window->findChild<SettingsPanel*>();
+    auto* preview = m_window->findChild<StudyPreview*>();
+    auto* table = preview->findChild<QTableWidget*>();
+    QByteArray rows("x,y,z\n");
+    constexpr int rowCount = 4000000; // far more than are read before the click
+    for (int row = 0; row < rowCount; ++row) {
+        rows += "1.25,3.5,abc\n";
+    }
+    QCoreApplication::processEvents();
+    ASSERT_TRUE(view.isVisible());
+
+    m_window->openStudy(write(QStringLiteral("large.csv"), rows));
+    m_window->findChild<QTimer*>(QStringLiteral("PreviewDelay"))->start(0);
+    while (m_window->isOpening() && (!preview->isVisible() || table->rowCount() == 0)) {
+        QCoreApplication::processEvents();
+    }
+    EXPECT_TRUE(preview->isVisible());
+    EXPECT_FALSE(view.isVisible());
+    EXPECT_FALSE(settings->isEnabled()) << "what is set now would be lost in a moment";
+    ASSERT_EQ(table->rowCount(), 100);
+    EXPECT_EQ(table->horizontalHeaderItem(2)->text(), QStringLiteral("z"));
+    EXPECT_EQ(table->item(99, 1)->text(), QStringLiteral("3.5"));
+    QTest::mouseClick(preview->findChild<QPushButton*>(), Qt::LeftButton);
+    while (m_window->isOpening()) {
+        QCoreApplication::processEvents();
+    }
+
+    EXPECT_FALSE(preview->isVisible());
+    EXPECT_TRUE(view.isVisible());
+    EXPECT_TRUE(settings->isEnabled());
+    EXPECT_EQ(status(), QStringLiteral("0 of 40 cases selected"));
 }
 
 TEST_F(MainWindowTest, AnotherStudyTakesThePlaceOfTheOpenOne)

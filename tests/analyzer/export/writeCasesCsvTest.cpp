@@ -4,6 +4,7 @@
 #include <dataviews/platform/data/Project.h>
 #include <dataviews/platform/property/ExceptionBase.h>
 
+#include <QDir>
 #include <QFile>
 #include <QTemporaryDir>
 
@@ -252,6 +253,31 @@ TEST_F(WriteCasesCsvTest, WritesFieldsAndTablesLargerThanItsBuffer)
             + "\",0.3333333333333333\n";
     }
     EXPECT_TRUE(text == expected);
+}
+
+TEST_F(WriteCasesCsvTest, TellsHowFarItIsAndLeavesTheFileAloneWhenItIsStopped)
+{
+    constexpr std::size_t rows = 100000;
+    Project project;
+    project.setCaseCount(rows);
+    const std::string small = written(project, RowBitmap(rows));
+    std::vector<double> told;
+    const auto stopLate = [&told](double fraction) {
+        told.push_back(fraction);
+        return told.size() < 3;
+    };
+
+    const bool isWritten = writeCasesCsv(project, RowBitmap(rows, true), path(), {}, stopLate);
+
+    EXPECT_FALSE(isWritten);
+    ASSERT_EQ(told.size(), 3U) << "and not again after that";
+    EXPECT_LT(told[0], told[1]);
+    EXPECT_LT(told[1], told[2]);
+    EXPECT_LT(told[2], 1.0);
+    QFile file(QString::fromStdString(path()));
+    ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+    EXPECT_EQ(file.readAll().toStdString(), small);
+    EXPECT_EQ(QDir(m_folder.path()).entryList(QDir::Files).size(), 1) << "nothing is left behind";
 }
 
 TEST_F(WriteCasesCsvTest, TellsThatTheDiskIsFull)

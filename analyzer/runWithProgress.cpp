@@ -1,0 +1,54 @@
+#include <analyzer/runWithProgress.h>
+
+#include <QEventLoop>
+#include <QProgressDialog>
+#include <QTimer>
+
+#include <atomic>
+#include <chrono>
+#include <cmath>
+#include <future>
+
+namespace analyzer {
+
+bool runWithProgress(QWidget& parent, const QString& title, const LongWork& work)
+{
+    constexpr std::chrono::milliseconds moment(200);
+    constexpr int interval = 50; // milliseconds
+    constexpr int steps = 100;
+
+    std::atomic<double> done{0.0};
+    std::atomic<bool> isCancelled{false};
+    // Whatever is thrown here, the work is waited for.
+    std::future<bool> result = std::async(std::launch::async, [&] {
+        return work([&](double fraction) {
+            done = fraction;
+            return !isCancelled;
+        });
+    });
+    if (result.wait_for(moment) == std::future_status::timeout) {
+        QProgressDialog dialog(title, QObject::tr("Cancel"), 0, steps, &parent);
+        dialog.setWindowTitle(title);
+        dialog.setWindowModality(Qt::WindowModal);
+        dialog.setAutoClose(false);
+        dialog.setAutoReset(false);
+        dialog.setMinimumDuration(0);
+        dialog.show();
+        QObject::connect(
+            &dialog, &QProgressDialog::canceled, &dialog, [&isCancelled] { isCancelled = true; });
+        QEventLoop loop;
+        QTimer timer;
+        QObject::connect(&timer, &QTimer::timeout, &loop, [&] {
+            if (result.wait_for(std::chrono::seconds(0)) == std::future_status::ready) {
+                loop.quit();
+            } else if (!isCancelled) {
+                dialog.setValue(static_cast<int>(std::floor(done * (steps - 1))));
+            }
+        });
+        timer.start(interval);
+        loop.exec();
+    }
+    return result.get();
+}
+
+} // namespace analyzer
