@@ -287,6 +287,9 @@ TEST_F(ImageTableViewTest, AsksAnAsynchronousLoaderForWhatIsVisible)
     // At most two columns of 809 pixels are to be seen in the window, and one row.
     ASSERT_THAT(loader->visible, testing::SizeIs(testing::Le(2U)));
     EXPECT_EQ(loader->visible.front(), "/1-front");
+    // The row below.
+    EXPECT_EQ(loader->ahead.size(), loader->visible.size());
+    EXPECT_EQ(loader->ahead.front(), "/3-front");
     EXPECT_TRUE(m_view->isLoading());
     for (const std::string& path : std::vector<std::string>(loader->visible)) {
         loader->finish(path);
@@ -297,6 +300,18 @@ TEST_F(ImageTableViewTest, AsksAnAsynchronousLoaderForWhatIsVisible)
     QCoreApplication::processEvents();
     EXPECT_THAT(loader->visible, testing::Contains("/11-front"));
     EXPECT_EQ(loader->requested.count("/9-front") + loader->requested.count("/11-front"), 2U);
+    EXPECT_THAT(loader->ahead, testing::IsEmpty()); // the end of the grid
+
+    m_view->setScrollPositions(m_view->grid().verticalScrollBar()->maximum() - 1, 0);
+    QCoreApplication::processEvents();
+    m_view->setScrollPositions(0, 0);
+    QCoreApplication::processEvents();
+    EXPECT_THAT(loader->ahead, testing::IsEmpty()); // back at its begin
+    m_view->setScrollPositions(0, 809);
+    QCoreApplication::processEvents();
+    m_window.hide();
+    QCoreApplication::processEvents();
+    EXPECT_THAT(loader->ahead, testing::IsEmpty());
 }
 
 TEST_F(ImageTableViewTest, FollowsThePipeline)
