@@ -12,6 +12,7 @@
 
 #include <QHeaderView>
 #include <QScrollBar>
+#include <QStyleOptionHeader>
 #include <QTest>
 #include <QWheelEvent>
 
@@ -119,6 +120,21 @@ TEST_F(ImageTableViewTest, IsLaidOutAsAGridWithCaptions)
     EXPECT_EQ(caption("columnHeader"), QStringLiteral("page"));
     m_properties->columnVar()->setValue({});
     EXPECT_EQ(caption("columnHeader"), QString());
+}
+
+TEST_F(ImageTableViewTest, ShortRowHeadersAreNotShortened)
+{
+    build();
+    const QHeaderView& header = *m_view->grid().verticalHeader();
+    QStyleOptionHeader option;
+    option.initFrom(&header);
+    option.rect = QRect(0, 0, header.width(), header.sectionSize(0));
+
+    const QRect room = header.style()->subElementRect(QStyle::SE_HeaderLabel, &option, &header);
+
+    const QString text = header.model()->headerData(0, Qt::Vertical).toString();
+    EXPECT_EQ(text, "10");
+    EXPECT_GE(room.width(), header.fontMetrics().horizontalAdvance(text));
 }
 
 TEST_F(ImageTableViewTest, LongRowHeadersLeaveRoomForImages)
