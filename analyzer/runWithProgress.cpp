@@ -13,7 +13,8 @@ namespace analyzer {
 
 bool runWithProgress(QWidget& parent, const QString& title, const LongWork& work)
 {
-    constexpr std::chrono::milliseconds moment(200);
+    // The window stands still so long: not for longer than nobody notices.
+    constexpr std::chrono::milliseconds moment(50);
     constexpr int interval = 50; // milliseconds
     constexpr int steps = 100;
 

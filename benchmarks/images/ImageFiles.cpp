@@ -58,3 +58,15 @@ const ImageFiles::Paths& ImageFiles::small()
     static const ImageFiles files(10000, QSize(400, 300), "jpg");
     return files.paths();
 }
+
+ImageFiles::Paths ImageFiles::photos(std::size_t count)
+{
+    static const ImageFiles files(40, QSize(4000, 3000), "jpg");
+    return {files.paths().begin(), files.paths().begin() + static_cast<std::ptrdiff_t>(count)};
+}
+
+const ImageFiles::Paths& ImageFiles::hundredThousand()
+{
+    static const ImageFiles files(100'000, QSize(400, 300), "jpg");
+    return files.paths();
+}

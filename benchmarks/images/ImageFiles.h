@@ -26,6 +26,12 @@ public:
     /// 1,000 files of 1024 x 768 pixels, JPEG or PNG, that all benchmarks share.
     [[nodiscard]] static const Paths& large(bool isPng);
 
+    /// \p count JPEG files of 4000 x 3000 pixels, up to 40 and shared too.
+    [[nodiscard]] static Paths photos(std::size_t count);
+
+    /// 100,000 JPEG files of 400 x 300 pixels, shared as well.
+    [[nodiscard]] static const Paths& hundredThousand();
+
     /// 10,000 JPEG files of 400 x 300 pixels, shared as well.
     [[nodiscard]] static const Paths& small();
 

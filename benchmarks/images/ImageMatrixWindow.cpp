@@ -19,6 +19,7 @@
 #include <utility>
 
 #include <benchmarks/images/ImageMatrixWindow.h>
+#include <time.h>
 
 namespace {
 
@@ -34,6 +35,14 @@ void addVariable(Project& study, const char* name, Value value)
     study.addVariable(column.Get(), Variable::Input);
 }
 
+/// What this thread has used of the processor.
+double threadMs()
+{
+    timespec time = {};
+    clock_gettime(CLOCK_THREAD_CPUTIME_ID, &time);
+    return 1e3 * static_cast<double>(time.tv_sec) + 1e-6 * static_cast<double>(time.tv_nsec);
+}
+
 WeakPtr<Variable> variable(const char* name)
 {
     return Project::project().variable(name);
@@ -43,6 +52,18 @@ WeakPtr<Variable> variable(const char* name)
 
 std::unique_ptr<ImageMatrixWindow> ImageMatrixWindow::ofPictures(
     const Paths& paths, int columns, const boost::shared_ptr<ImageFileLoaderInterface>& loader)
+{
+    openStudyOfPictures(paths, columns);
+    return ofOpenStudy(loader);
+}
+
+std::unique_ptr<ImageMatrixWindow> ImageMatrixWindow::ofOpenStudy(
+    const boost::shared_ptr<ImageFileLoaderInterface>& loader)
+{
+    return std::unique_ptr<ImageMatrixWindow>(new ImageMatrixWindow(loader));
+}
+
+void ImageMatrixWindow::openStudyOfPictures(const Paths& paths, int columns)
 {
     Project study;
     study.setCaseCount(paths.size());
@@ -57,7 +78,6 @@ std::unique_ptr<ImageMatrixWindow> ImageMatrixWindow::ofPictures(
         study.addAuxFile(row, paths[row]);
     }
     Project::project().replaceStudy(study);
-    return std::unique_ptr<ImageMatrixWindow>(new ImageMatrixWindow(loader));
 }
 
 std::unique_ptr<ImageMatrixWindow> ImageMatrixWindow::ofRandomCases(
@@ -121,6 +141,24 @@ void ImageMatrixWindow::show(int rows, int columns)
     }
 }
 
+void ImageMatrixWindow::showAtOnce(const QSize& size)
+{
+    m_isPainted = false;
+    m_window.resize(size);
+    m_window.show();
+    while (!m_isPainted) {
+        QCoreApplication::processEvents();
+    }
+}
+
+ImageMatrixWindow::Time ImageMatrixWindow::paintFrame(const boost::function<void()>& change)
+{
+    return runTurn([&change] {
+        change();
+        QCoreApplication::processEvents();
+    });
+}
+
 void ImageMatrixWindow::paintAfter(const boost::function<void()>& change)
 {
     // Sleeping outside of the turns keeps them apart from waiting for the workers.
@@ -151,10 +189,12 @@ bool ImageMatrixWindow::eventFilter(QObject* watched, QEvent* event)
     return QObject::eventFilter(watched, event);
 }
 
-void ImageMatrixWindow::runTurn(const boost::function<void()>& turn)
+ImageMatrixWindow::Time ImageMatrixWindow::runTurn(const boost::function<void()>& turn)
 {
     const auto start = std::chrono::steady_clock::now();
+    const double busyBefore = threadMs();
     turn();
     const std::chrono::duration<double, std::milli> time = std::chrono::steady_clock::now() - start;
     m_longestTurnMs = std::max(m_longestTurnMs, time.count());
+    return {time.count(), threadMs() - busyBefore};
 }

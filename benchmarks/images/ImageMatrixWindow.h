@@ -35,6 +35,13 @@ public:
     [[nodiscard]] static std::unique_ptr<ImageMatrixWindow> ofPictures(
         const Paths& paths, int columns, const boost::shared_ptr<ImageFileLoaderInterface>& loader);
 
+    /// Opens the study of ofPictures(), for ofOpenStudy().
+    static void openStudyOfPictures(const Paths& paths, int columns);
+
+    /// A matrix over the variables "row 0" and "column" of the open study, which is closed with it.
+    [[nodiscard]] static std::unique_ptr<ImageMatrixWindow> ofOpenStudy(
+        const boost::shared_ptr<ImageFileLoaderInterface>& loader);
+
     /// \p caseCount cases, each somewhere in a grid of \p side rows and columns; one in a hundred has a picture. There
     /// are two variables for the rows, "row 0" and "row 1".
     [[nodiscard]] static std::unique_ptr<ImageMatrixWindow> ofRandomCases(
@@ -50,6 +57,19 @@ public:
     /// Shows the window, with room for just \p rows rows and \p columns columns, and returns when they are painted.
     void show(int rows, int columns);
 
+    /// Shows the window with \p size pixels and returns when it is painted for the first time, whatever of it is there.
+    void showAtOnce(const QSize& size);
+
+    /// How long something took, in milliseconds.
+    struct Time
+    {
+        double wall;
+        double busy; ///< of the processor, which others use too
+    };
+
+    /// Runs \p change and the events that are there, and paints what that makes necessary.
+    Time paintFrame(const boost::function<void()>& change);
+
     /// Runs \p change, and then the event loop until everything visible is painted, pictures included.
     void paintAfter(const boost::function<void()>& change);
 
@@ -58,6 +78,8 @@ public:
 
     /// The longest time since the last call in which the GUI thread took no events, in milliseconds.
     [[nodiscard]] double takeLongestTurnMs();
+
+    [[nodiscard]] bool isLoading() const { return m_view->isLoading(); }
 
     [[nodiscard]] QImageTableView& grid() const { return m_view->grid(); }
 
@@ -73,7 +95,7 @@ private:
     /// Of the open study, which is closed in the end.
     explicit ImageMatrixWindow(const boost::shared_ptr<ImageFileLoaderInterface>& loader);
 
-    void runTurn(const boost::function<void()>& turn);
+    Time runTurn(const boost::function<void()>& turn);
 
     RowBitmap m_allCases;
     vtkNew<FilteredTableSource> m_source;

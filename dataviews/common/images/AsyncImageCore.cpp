@@ -103,8 +103,10 @@ void AsyncImageCore::removeClient(std::unique_ptr<Client> client)
 {
     Pictures gone; // freed after the lock
     const Lock lock(m_mutex);
-    for (auto& [path, request] : client->requests) {
-        withdraw(path, request, gone);
+    for (auto* requests : {&client->requests, &client->prefetches}) {
+        for (auto& [path, request] : *requests) {
+            withdraw(path, request, gone);
+        }
     }
     --m_clientCount;
     if (m_clientCount == 0) {
@@ -175,6 +177,50 @@ void AsyncImageCore::setVisible(Client& client, const std::vector<std::string>& 
             queue(*request.job);
         }
         ++place;
+    }
+}
+
+void AsyncImageCore::prefetch(
+    Client& client, const std::vector<std::string>& paths, const QSize& size)
+{
+    constexpr std::size_t share = 4; // the rest of the budget is for what was seen
+    constexpr std::size_t bytesPerPixel = 4;
+    const std::size_t bytes = bytesPerPixel * static_cast<std::size_t>(size.width())
+        * static_cast<std::size_t>(size.height());
+    Pictures gone;
+    const Lock lock(m_mutex);
+    const std::size_t count = std::min(paths.size(), m_pictures.budgetBytes() / share / bytes);
+    std::unordered_map<std::string, Request> former;
+    former.swap(client.prefetches);
+    for (std::size_t i = 0; i < count; ++i) {
+        const std::string& path = paths[i];
+        const Priority priority{notVisible + 1 + i, ++m_lastSequence};
+        const auto known = former.find(path);
+        if (known != former.end() && known->second.size == size) {
+            auto node = former.extract(known);
+            node.mapped().priority = priority;
+            Job& job = *node.mapped().job;
+            client.prefetches.insert(std::move(node));
+            if (job.isQueued) {
+                queue(job);
+            }
+            continue;
+        }
+        const auto requested = client.requests.find(path);
+        const bool isRequested =
+            requested != client.requests.end() && requested->second.size == size;
+        ScaledImageKey key{path, size};
+        if (!isRequested && client.prefetches.count(path) == 0 && finished(key) == nullptr) {
+            Request& request = client.prefetches[path];
+            request.client = &client;
+            request.size = size;
+            request.priority = priority;
+            request.isAhead = true;
+            join(request, std::move(key));
+        }
+    }
+    for (auto& [path, request] : former) {
+        withdraw(path, request, gone);
     }
 }
 
@@ -314,6 +360,10 @@ void AsyncImageCore::finish(
     }
     for (Request* request : job.requests) {
         request->job = nullptr;
+        if (request->isAhead) {
+            request->client->prefetches.erase(job.key->path);
+            continue;
+        }
         request->picture = picture;
         request->isToBeTold = true;
         Client& client = *request->client;

@@ -48,10 +48,11 @@ public:
 
     [[nodiscard]] boost::shared_ptr<QImage> fullSizeImage(const std::string& path) const;
 
-    // The next three as in AsyncImageLoaderInterface.
+    // The next four as in AsyncImageLoaderInterface.
     [[nodiscard]] boost::shared_ptr<QImage> request(
         Client& client, const std::string& path, const QSize& size);
     void setVisible(Client& client, const std::vector<std::string>& paths);
+    void prefetch(Client& client, const std::vector<std::string>& paths, const QSize& size);
     [[nodiscard]] std::string problem(const std::string& path) const;
 
     /// How many arrivals there are to be told of; later ones wake again.
@@ -71,9 +72,10 @@ public:
 private:
     using Pictures = ScaledImageCache::Pictures;
 
-    static constexpr std::size_t notVisible = std::numeric_limits<std::size_t>::max();
+    static constexpr std::size_t notVisible = std::numeric_limits<std::size_t>::max() / 2;
 
-    /// The order in which pictures are decoded: as they were named visible, then the newest request first.
+    /// The order in which pictures are decoded: as they were named visible, then the newest request first, then what is
+    /// only prefetched.
     struct Priority
     {
         std::size_t rank;
@@ -96,6 +98,7 @@ private:
         Job* job = nullptr; ///< as long as it is not finished
         boost::shared_ptr<QImage> picture; ///< from then on; null for one that cannot be shown
         bool isToBeTold = false; ///< it has arrived, and the client does not know
+        bool isAhead = false; ///< nobody waits for it; goes when it is finished
     };
 
     /// A picture that is to be decoded, or is just being decoded. Dropped when nobody requests it any more, unless it
@@ -159,6 +162,7 @@ struct AsyncImageCore::Client
 {
     boost::function<void()> wake;
     std::unordered_map<std::string, Request> requests; ///< by path
+    std::unordered_map<std::string, Request> prefetches; ///< by path; those that are not finished
     std::unordered_map<std::string, std::size_t> ranks; ///< of the visible paths
     std::deque<std::string> arrivals;
     bool isAwake = false; ///< it was woken and has not begun delivery

@@ -118,6 +118,12 @@ void AsyncImageLoader::setVisible(const std::vector<std::string>& paths)
     m_implementation->core->setVisible(*m_implementation->client, paths);
 }
 
+void AsyncImageLoader::prefetch(const std::vector<std::string>& paths, const QSize& size)
+{
+    Q_ASSERT_X(!size.isEmpty(), "AsyncImageLoader::prefetch", "both sides must be positive");
+    m_implementation->core->prefetch(*m_implementation->client, paths, size);
+}
+
 std::string AsyncImageLoader::problem(const std::string& path) const
 {
     return m_implementation->core->problem(path);

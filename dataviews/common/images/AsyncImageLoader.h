@@ -36,6 +36,9 @@ public:
 
     boost::shared_ptr<QImage> request(const std::string& path, const QSize& size) override;
     void setVisible(const std::vector<std::string>& paths) override;
+
+    /// Decodes no more than fill a quarter of the budget of the cache, which alone holds them.
+    void prefetch(const std::vector<std::string>& paths, const QSize& size) override;
     [[nodiscard]] std::string problem(const std::string& path) const override;
 
 private:

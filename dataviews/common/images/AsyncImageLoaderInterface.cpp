@@ -6,4 +6,8 @@ AsyncImageLoaderInterface::AsyncImageLoaderInterface()
 
 AsyncImageLoaderInterface::~AsyncImageLoaderInterface() = default;
 
+void AsyncImageLoaderInterface::prefetch(
+    const std::vector<std::string>& /*paths*/, const QSize& /*size*/)
+{}
+
 void AsyncImageLoaderInterface::signalImageArrivedConnected() const {}

@@ -34,6 +34,11 @@ public:
     /// decoded yet will not be, until it is requested again.
     virtual void setVisible(const std::vector<std::string>& paths) = 0;
 
+    /// These files may be on the screen next, most likely first: their pictures, fitted into \p size, are decoded when
+    /// nothing that was requested waits, and no signal is raised for them. Takes the place of what was said before; a
+    /// loader need not care, as the one here.
+    virtual void prefetch(const std::vector<std::string>& paths, const QSize& size);
+
     /// Why the picture in \p path cannot be shown, a sentence without a full stop, UTF-8; empty as long as nothing
     /// is known against it.
     [[nodiscard]] virtual std::string problem(const std::string& path) const = 0;

@@ -13,6 +13,7 @@
 #include <boost/pointer_cast.hpp>
 
 #include <algorithm>
+#include <iterator>
 #include <unordered_set>
 #include <utility>
 
@@ -104,14 +105,8 @@ void ImageMatrixTableModelAdapter::setVisibleCells(const std::vector<Cell>& cell
     if (!m_asyncLoader) {
         return;
     }
-    std::vector<std::string> paths;
-    std::unordered_set<std::string> known;
-    for (const Cell& cell : cells) {
-        const AuxFileImageData* first = firstImage(cell);
-        if (first != nullptr && known.insert(first->filePath()).second) {
-            paths.push_back(first->filePath());
-        }
-    }
+    const std::vector<std::string> paths = firstPaths(cells);
+    const std::unordered_set<std::string> known(paths.begin(), paths.end());
     const auto forgetOthers = [&known](auto& map) {
         for (auto place = map.begin(); place != map.end();) {
             place = known.count(place->first) == 0 ? map.erase(place) : std::next(place);
@@ -120,6 +115,20 @@ void ImageMatrixTableModelAdapter::setVisibleCells(const std::vector<Cell>& cell
     forgetOthers(m_awaited);
     forgetOthers(m_lastPictures);
     m_asyncLoader->setVisible(paths);
+}
+
+void ImageMatrixTableModelAdapter::prefetchCells(const std::vector<Cell>& cells)
+{
+    if (!m_asyncLoader) {
+        return;
+    }
+    // The images of a cell are found all at once: where there are very many, that waits until it is shown.
+    constexpr std::size_t manyCases = 200;
+    std::vector<Cell> fast;
+    std::copy_if(cells.begin(), cells.end(), std::back_inserter(fast), [this](const Cell& cell) {
+        return m_model->caseCount(cell) <= manyCases;
+    });
+    m_asyncLoader->prefetch(firstPaths(fast), m_size);
 }
 
 ImageMatrixTableModelAdapter::State ImageMatrixTableModelAdapter::state(
@@ -187,6 +196,21 @@ const AuxFileImageData* ImageMatrixTableModelAdapter::firstImage(const Cell& cel
             return !image.auxFile().expired();
         });
     return first == images.end() ? nullptr : &*first;
+}
+
+/// The files whose pictures \p cells show, each once.
+std::vector<std::string> ImageMatrixTableModelAdapter::firstPaths(
+    const std::vector<Cell>& cells) const
+{
+    std::vector<std::string> paths;
+    std::unordered_set<std::string> known;
+    for (const Cell& cell : cells) {
+        const AuxFileImageData* first = firstImage(cell);
+        if (first != nullptr && known.insert(first->filePath()).second) {
+            paths.push_back(first->filePath());
+        }
+    }
+    return paths;
 }
 
 /// The picture as it is shown; empty if it is awaited.

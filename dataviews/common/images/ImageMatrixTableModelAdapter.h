@@ -67,6 +67,9 @@ public:
     /// decoded any more.
     void setVisibleCells(const std::vector<ImageTableModel::Cell>& cells);
 
+    /// For an asynchronous loader: the cells that may be on the screen next, most likely first.
+    void prefetchCells(const std::vector<ImageTableModel::Cell>& cells);
+
     [[nodiscard]] State state(const QModelIndex& index) const;
 
     /// Whether the cell stands for several images.
@@ -92,6 +95,8 @@ private:
 
     [[nodiscard]] static ImageTableModel::Cell cellOf(const QModelIndex& index);
     [[nodiscard]] const AuxFileImageData* firstImage(const ImageTableModel::Cell& cell) const;
+    [[nodiscard]] std::vector<std::string> firstPaths(
+        const std::vector<ImageTableModel::Cell>& cells) const;
     [[nodiscard]] boost::shared_ptr<QImage> picture(
         const std::string& path, const ImageTableModel::Cell& cell) const;
     [[nodiscard]] QVariant decoration(const ImageTableModel::Cell& cell) const;

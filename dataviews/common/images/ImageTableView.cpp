@@ -137,8 +137,20 @@ public:
     [[nodiscard]] std::vector<Cell> selectedCells() const;
     [[nodiscard]] std::vector<Cell> displayedCells() const;
     [[nodiscard]] std::vector<WeakPtr<AuxFile>> auxFiles(const std::vector<Cell>& cells) const;
-    /// Row by row.
-    [[nodiscard]] std::vector<Cell> visibleCells() const;
+
+    /// The cells in a rectangle of the grid; none by default.
+    struct CellRange
+    {
+        int top = 0;
+        int left = 0;
+        int bottom = -1;
+        int right = -1;
+
+        /// Row by row.
+        [[nodiscard]] std::vector<Cell> cells() const;
+    };
+
+    [[nodiscard]] CellRange visibleRange() const;
     bool eventFilter(QObject* watched, QEvent* event) override;
 
     boost::shared_ptr<const DataPipelineManagerInterface> pipeline; ///< kept for its output
@@ -162,8 +174,11 @@ private:
     void setImageSize();
     void zoomByWheel(const QWheelEvent& event);
     void updateVisible();
+    [[nodiscard]] std::vector<Cell> upcomingCells(const CellRange& visible);
 
     QTimer m_visibleTimer; ///< so that many moves make one look at what is visible
+    CellRange m_lastVisible;
+    bool m_scrollsBack = false; ///< up, or to the left
     QPoint m_zoomAnchor; ///< in the grid's viewport
     double m_wheelRest = 0.0; ///< zoom that did not make a whole percent yet
 };
@@ -376,6 +391,7 @@ bool ImageTableView::Implementation::eventFilter(QObject* watched, QEvent* event
     }
     case QEvent::Resize:
     case QEvent::Show:
+    case QEvent::Hide:
         m_visibleTimer.start();
         break;
     case QEvent::ScreenChangeInternal:
@@ -407,29 +423,64 @@ void ImageTableView::Implementation::zoomByWheel(const QWheelEvent& event)
 
 void ImageTableView::Implementation::updateVisible()
 {
-    gridModel->setVisibleCells(visibleCells());
+    const CellRange visible = visibleRange();
+    gridModel->setVisibleCells(visible.cells());
+    gridModel->prefetchCells(upcomingCells(visible));
 }
 
-std::vector<Cell> ImageTableView::Implementation::visibleCells() const
+/// A page further in the direction of the last move, what comes first in front; nothing while the grid is hidden.
+std::vector<Cell> ImageTableView::Implementation::upcomingCells(const CellRange& visible)
 {
-    const QImageTableView& grid = *layout.grid;
-    const QSize size = grid.viewport()->size();
-    const int top = grid.rowAt(0);
-    const int left = grid.columnAt(0);
-    std::vector<Cell> cells;
-    if (top < 0 || left < 0) {
-        return cells;
+    const CellRange last = std::exchange(m_lastVisible, visible);
+    if (!layout.grid->isVisible()) {
+        return {};
     }
-    const int lastRow = grid.rowAt(size.height() - 1);
-    const int lastColumn = grid.columnAt(size.width() - 1);
-    const int bottom = lastRow < 0 ? gridModel->rowCount() - 1 : lastRow;
-    const int right = lastColumn < 0 ? gridModel->columnCount() - 1 : lastColumn;
+    if (visible.top != last.top || visible.left != last.left) {
+        m_scrollsBack = visible.top != last.top ? visible.top < last.top : visible.left < last.left;
+    }
+    const bool isSideways = gridModel->rowCount() <= visible.bottom - visible.top + 1;
+    CellRange ahead = visible;
+    int& first = isSideways ? ahead.left : ahead.top;
+    int& end = isSideways ? ahead.right : ahead.bottom;
+    const int count = end - first + 1;
+    first += m_scrollsBack ? -count : count;
+    end += m_scrollsBack ? -count : count;
+    first = std::max(first, 0);
+    end = std::min(end, (isSideways ? gridModel->columnCount() : gridModel->rowCount()) - 1);
+    std::vector<Cell> cells = ahead.cells();
+    if (m_scrollsBack) {
+        std::reverse(cells.begin(), cells.end());
+    }
+    return cells;
+}
+
+std::vector<Cell> ImageTableView::Implementation::CellRange::cells() const
+{
+    std::vector<Cell> cells;
     for (int row = top; row <= bottom; ++row) {
         for (int column = left; column <= right; ++column) {
             cells.emplace_back(row, column);
         }
     }
     return cells;
+}
+
+ImageTableView::Implementation::CellRange ImageTableView::Implementation::visibleRange() const
+{
+    const QImageTableView& grid = *layout.grid;
+    const QSize size = grid.viewport()->size();
+    const int top = grid.rowAt(0);
+    const int left = grid.columnAt(0);
+    if (top < 0 || left < 0) {
+        return {};
+    }
+    const int lastRow = grid.rowAt(size.height() - 1);
+    const int lastColumn = grid.columnAt(size.width() - 1);
+    return {
+        top,
+        left,
+        lastRow < 0 ? gridModel->rowCount() - 1 : lastRow,
+        lastColumn < 0 ? gridModel->columnCount() - 1 : lastColumn};
 }
 
 ImageTableView::ImageTableView(
@@ -545,7 +596,7 @@ boost::shared_ptr<corvane::PropertyAbstract<bool>> ImageTableView::pageBy()
 
 bool ImageTableView::isLoading() const
 {
-    const std::vector<Cell> cells = m_implementation->visibleCells();
+    const std::vector<Cell> cells = m_implementation->visibleRange().cells();
     return std::any_of(cells.begin(), cells.end(), [this](const Cell& cell) {
         const QModelIndex index = m_implementation->gridModel->index(cell.first, cell.second);
         return m_implementation->gridModel->state(index)

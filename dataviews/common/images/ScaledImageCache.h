@@ -52,6 +52,8 @@ public:
     /// \returns what was here
     [[nodiscard]] Pictures clear();
 
+    [[nodiscard]] std::size_t budgetBytes() const { return m_budgetBytes; }
+
     /// Never above the budget.
     [[nodiscard]] std::size_t bytesUsed() const { return m_bytesUsed; }
 

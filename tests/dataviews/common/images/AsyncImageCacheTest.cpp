@@ -383,12 +383,19 @@ TEST(AsyncImageCacheTest, RandomUseKeepsTheRules)
             std::sample(all.begin(), all.end(), std::back_inserter(paths), below(6), random);
             std::shuffle(paths.begin(), paths.end(), random);
             client->setVisible(paths);
+        } else if (operation < 90) {
+            Paths paths;
+            std::sample(all.begin(), all.end(), std::back_inserter(paths), below(4), random);
+            client->loader->prefetch(paths, sizes.at(below(sizes.size())));
         } else if (operation < 99) {
             QCoreApplication::processEvents();
         } else if (&client != &clients.front()) { // one stays, or all would be forgotten
             client.emplace(cache);
         }
         ASSERT_LE(cache.bytesUsed(), budget);
+    }
+    for (auto& client : clients) {
+        client->loader->prefetch({}, size);
     }
     QTimer deadline;
     deadline.setSingleShot(true);

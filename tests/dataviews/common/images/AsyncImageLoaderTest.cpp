@@ -235,6 +235,46 @@ TEST_F(AsyncImageLoaderQueueTest, WhatHasScrolledAwayIsNotDecoded)
     EXPECT_EQ(decodedUntil(2), (Paths{"b", "c"}));
 }
 
+TEST_F(AsyncImageLoaderQueueTest, PrefetchedPicturesComeLastAndAreThereWhenTheyAreNeeded)
+{
+    m_loader->prefetch({"p", "q", "visible", "o", "p"}, size);
+    m_loader->setVisible({"visible"});
+    for (const char* path : {"visible", "requested", "q"}) {
+        EXPECT_EQ(m_loader->request(path, size), nullptr);
+    }
+    m_gate.open(4);
+    for (int i = 0; i < 4; ++i) {
+        ASSERT_TRUE(m_gate.waitForStart());
+    }
+    ASSERT_TRUE(m_arrivals.waitFor(3));
+    EXPECT_EQ(m_gate.startedPaths(), (Paths{"busy", "visible", "q", "requested", "p"}));
+
+    m_loader->prefetch({"n", "q"}, size);
+    EXPECT_EQ(m_cache.pendingCount(), 1U); // neither what is dropped nor what is there
+    m_gate.open();
+    ASSERT_TRUE(m_gate.waitForStart());
+
+    EXPECT_NE(m_loader->request("p", size), nullptr);
+    EXPECT_EQ(m_gate.startedPaths().back(), "n");
+    EXPECT_EQ(m_arrivals.paths(), (Paths{"visible", "q", "requested"}));
+}
+
+TEST(AsyncImageLoaderTest, PrefetchesWithinAQuarterOfTheBudget)
+{
+    const GatedDecode gate;
+    const std::size_t bytes = 4 * size.width() * size.height();
+    const AsyncImageCache cache(8 * bytes, 1, gate.function());
+    const boost::shared_ptr<AsyncImageLoader> loader = cache.imageLoader();
+
+    loader->prefetch({"a", "b", "c", "d"}, size);
+    ASSERT_TRUE(gate.waitForStart());
+
+    EXPECT_EQ(cache.pendingCount(), 1U);
+    loader->prefetch({"a", "b", "c", "d"}, 2 * size);
+    EXPECT_EQ(cache.pendingCount(), 0U);
+    gate.open();
+}
+
 TEST_F(AsyncImageLoaderQueueTest, NewSizeTakesThePlaceOfTheOneBefore)
 {
     EXPECT_EQ(m_loader->request("a", size), nullptr);

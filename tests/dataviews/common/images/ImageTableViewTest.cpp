@@ -12,6 +12,7 @@
 
 #include <QHeaderView>
 #include <QScrollBar>
+#include <QStyleOptionHeader>
 #include <QTest>
 #include <QWheelEvent>
 
@@ -119,6 +120,21 @@ TEST_F(ImageTableViewTest, IsLaidOutAsAGridWithCaptions)
     EXPECT_EQ(caption("columnHeader"), QStringLiteral("page"));
     m_properties->columnVar()->setValue({});
     EXPECT_EQ(caption("columnHeader"), QString());
+}
+
+TEST_F(ImageTableViewTest, ShortRowHeadersAreNotShortened)
+{
+    build();
+    const QHeaderView& header = *m_view->grid().verticalHeader();
+    QStyleOptionHeader option;
+    option.initFrom(&header);
+    option.rect = QRect(0, 0, header.width(), header.sectionSize(0));
+
+    const QRect room = header.style()->subElementRect(QStyle::SE_HeaderLabel, &option, &header);
+
+    const QString text = header.model()->headerData(0, Qt::Vertical).toString();
+    EXPECT_EQ(text, "10");
+    EXPECT_GE(room.width(), header.fontMetrics().horizontalAdvance(text));
 }
 
 TEST_F(ImageTableViewTest, LongRowHeadersLeaveRoomForImages)
@@ -287,6 +303,9 @@ TEST_F(ImageTableViewTest, AsksAnAsynchronousLoaderForWhatIsVisible)
     // At most two columns of 809 pixels are to be seen in the window, and one row.
     ASSERT_THAT(loader->visible, testing::SizeIs(testing::Le(2U)));
     EXPECT_EQ(loader->visible.front(), "/1-front");
+    // The row below.
+    EXPECT_EQ(loader->ahead.size(), loader->visible.size());
+    EXPECT_EQ(loader->ahead.front(), "/3-front");
     EXPECT_TRUE(m_view->isLoading());
     for (const std::string& path : std::vector<std::string>(loader->visible)) {
         loader->finish(path);
@@ -297,6 +316,18 @@ TEST_F(ImageTableViewTest, AsksAnAsynchronousLoaderForWhatIsVisible)
     QCoreApplication::processEvents();
     EXPECT_THAT(loader->visible, testing::Contains("/11-front"));
     EXPECT_EQ(loader->requested.count("/9-front") + loader->requested.count("/11-front"), 2U);
+    EXPECT_THAT(loader->ahead, testing::IsEmpty()); // the end of the grid
+
+    m_view->setScrollPositions(m_view->grid().verticalScrollBar()->maximum() - 1, 0);
+    QCoreApplication::processEvents();
+    m_view->setScrollPositions(0, 0);
+    QCoreApplication::processEvents();
+    EXPECT_THAT(loader->ahead, testing::IsEmpty()); // back at its begin
+    m_view->setScrollPositions(0, 809);
+    QCoreApplication::processEvents();
+    m_window.hide();
+    QCoreApplication::processEvents();
+    EXPECT_THAT(loader->ahead, testing::IsEmpty());
 }
 
 TEST_F(ImageTableViewTest, FollowsThePipeline)

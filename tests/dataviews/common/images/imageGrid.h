@@ -147,6 +147,11 @@ public:
 
     void setVisible(const std::vector<std::string>& paths) override { visible = paths; }
 
+    void prefetch(const std::vector<std::string>& paths, const QSize& /*size*/) override
+    {
+        ahead = paths;
+    }
+
     [[nodiscard]] std::string problem(const std::string& path) const override
     {
         const auto place = problems.find(path);
@@ -164,4 +169,5 @@ public:
     std::map<std::string, std::pair<QSize, QImage>> finished;
     std::map<std::string, std::string> problems;
     std::vector<std::string> visible;
+    std::vector<std::string> ahead;
 };
