@@ -705,9 +705,23 @@ void MainWindow::choosePicture()
     }
     PictureDialog dialog(view->widget().size(), this);
     if (dialog.exec() == QDialog::Accepted) {
-        const CvWaitCursor wait;
-        attempt([&] { exportPicture(*view, path.toStdString(), dialog.options()); });
+        attempt([&] { exportPictureWithProgress(*view, path.toStdString(), dialog.options()); });
     }
+}
+
+void MainWindow::exportPictureWithProgress(
+    AnalyzerViewInterface& view, const std::string& path, const PictureOptions& options)
+{
+    if (pictureFormat(path) != PictureFormat::Png) {
+        const CvWaitCursor wait;
+        exportPicture(view, path, options);
+        return;
+    }
+    // To pack the pixels takes longer than to paint them, and wants nothing of the view.
+    const QImage picture = pictureOf(view, options);
+    runWithProgress(*this, tr("Export Picture"), [&](const auto& progress) {
+        return writePicture(picture, path, [&] { return progress(0.5); });
+    });
 }
 
 QString MainWindow::chooseFileToWrite(

@@ -35,6 +35,7 @@ class SelectionModelInterface;
 
 namespace analyzer {
 
+struct PictureOptions;
 struct ReadStudy;
 class Autosave;
 class AnalyzerViewInterface;
@@ -209,6 +210,8 @@ private:
     void chooseExportFile(ExportedCases cases);
     [[nodiscard]] RowBitmap rowsToExport(ExportedCases cases) const;
     void choosePicture();
+    void exportPictureWithProgress(
+        AnalyzerViewInterface& view, const std::string& path, const PictureOptions& options);
 
     /// Empty if the user does not want to.
     QString chooseFileToWrite(const QString& title, const QString& kinds, const QString& suffix);

@@ -189,6 +189,17 @@ QImage picture(AnalyzerViewInterface& view, const Geometry& geometry)
     return image;
 }
 
+QByteArray pngBytes(const QImage& picture)
+{
+    QByteArray bytes;
+    QBuffer buffer(&bytes);
+    buffer.open(QIODevice::WriteOnly);
+    if (!picture.save(&buffer, "PNG")) {
+        throw ExceptionBase("The picture cannot be encoded as PNG.");
+    }
+    return bytes;
+}
+
 } // namespace
 
 QImage pictureOf(AnalyzerViewInterface& view, const PictureOptions& options)
@@ -208,13 +219,20 @@ QByteArray pictureBytes(
     case PictureFormat::Png:
         break;
     }
-    QByteArray bytes;
-    QBuffer buffer(&bytes);
-    buffer.open(QIODevice::WriteOnly);
-    if (!picture(view, geometry).save(&buffer, "PNG")) {
-        throw ExceptionBase("The picture cannot be encoded as PNG.");
+    return pngBytes(picture(view, geometry));
+}
+
+bool writePicture(
+    const QImage& picture, const std::string& path, const std::function<bool()>& beforeWriting)
+{
+    ReplacementFile file(path); // who may not write there hears it before the work
+    const QByteArray bytes = pngBytes(picture);
+    if (!beforeWriting()) {
+        return false;
     }
-    return bytes;
+    file.write(bytes.constData(), static_cast<std::size_t>(bytes.size()));
+    file.commit();
+    return true;
 }
 
 PictureFormat pictureFormat(const std::string& path)

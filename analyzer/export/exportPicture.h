@@ -4,6 +4,7 @@
 #include <QImage>
 #include <QSize>
 
+#include <functional>
 #include <string>
 
 namespace analyzer {
@@ -55,6 +56,12 @@ constexpr int largestPictureSide = 16384;
 /// The format that the end of \p path asks for: .png, .svg or .pdf, in any case.
 /// \throws ExceptionBase with a sentence for any other.
 [[nodiscard]] PictureFormat pictureFormat(const std::string& path);
+
+/// Writes \p picture as PNG to the file \p path (UTF-8), on any thread. False, and the file is left as it was, if
+/// \p beforeWriting, called when the pixels have been packed, says so.
+/// \throws ExceptionBase with a sentence if that cannot be done; the file is as it was then.
+bool writePicture(
+    const QImage& picture, const std::string& path, const std::function<bool()>& beforeWriting);
 
 /// Writes a picture of \p view to the file \p path (UTF-8), in the format that its end asks for.
 ///

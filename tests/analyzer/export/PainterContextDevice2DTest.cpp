@@ -143,11 +143,23 @@ TEST(PainterContextDevice2DTest, SkipsWhatIsNotFinite)
     EXPECT_TRUE(inkOf(image).isEmpty());
 }
 
-TEST(PainterContextDevice2DTest, DrawsManyMarkersLikeFew)
+TEST(PainterContextDevice2DTest, DrawsManyMarkersAndSpritesLikeFew)
 {
-    const auto draw = [](std::size_t before) {
+    const vtkNew<vtkImageData> ring;
+    constexpr int side = 9;
+    ring->SetDimensions(side, side, 1);
+    ring->AllocateScalars(VTK_UNSIGNED_CHAR, 4);
+    for (int y = 0; y < side; ++y) {
+        for (int x = 0; x < side; ++x) {
+            auto* pixel = static_cast<unsigned char*>(ring->GetScalarPointer(x, y, 0));
+            const int distance = std::max(std::abs(x - 4), std::abs(y - 4));
+            std::fill_n(pixel, 4, static_cast<unsigned char>(distance == 4 ? 0 : 200));
+            pixel[3] = distance >= 2 ? 255 : 0;
+        }
+    }
+    const auto draw = [&](std::size_t before) {
         return drawn(
-            [before](vtkContext2D& context) {
+            [&](vtkContext2D& context) {
                 clipTo(context, {10, 10, 80, 60});
                 context.GetPen()->SetWidth(9.0F);
                 // So many far away that the others come into a picture.
@@ -159,6 +171,10 @@ TEST(PainterContextDevice2DTest, DrawsManyMarkersLikeFew)
                 std::vector<float> points{30.25F, 40.5F, 33, 42, 88, 12};
                 std::vector<unsigned char> colors{255, 0, 0, 255, 0, 255, 0, 128, 0, 0, 255, 64};
                 context.DrawMarkers(VTK_MARKER_CIRCLE, false, points.data(), 3, colors.data(), 4);
+                std::vector<float> squares{60, 30, 63.5F, 33.25F};
+                context.DrawMarkers(VTK_MARKER_SQUARE, false, squares.data(), 2);
+                std::vector<float> rings{50.5F, 55.25F, 54, 57};
+                context.DrawPointSprites(ring, rings.data(), 2);
             },
             2);
     };

@@ -16,6 +16,7 @@
 #include <dataviews/platform/selection/SelectionModel.h>
 #include <dataviews/platform/undo/UndoStack.h>
 
+#include <QDir>
 #include <QDomDocument>
 #include <QFile>
 #include <QRegularExpression>
@@ -317,6 +318,20 @@ TEST_F(ExportPictureTest, WritesPdfWithOnePageOfTheSizeAskedFor)
         EXPECT_NEAR(match.captured(1).toDouble(), size.width() * 72.0 / 300.0, 1.0);
         EXPECT_NEAR(match.captured(2).toDouble(), size.height() * 72.0 / 300.0, 1.0);
     }
+}
+
+TEST_F(ExportPictureTest, WritesAPictureUnlessToldNotTo)
+{
+    QImage first(30, 20, QImage::Format_RGB32);
+    first.fill(Qt::red);
+    QImage second(first);
+    second.fill(Qt::blue);
+
+    EXPECT_TRUE(writePicture(first, path("a.png"), [] { return true; }));
+    EXPECT_FALSE(writePicture(second, path("a.png"), [] { return false; }));
+
+    EXPECT_EQ(QImage::fromData(content(path("a.png"))).convertToFormat(first.format()), first);
+    EXPECT_EQ(QDir(m_folder.path()).entryList(QDir::Files), QStringList("a.png"));
 }
 
 TEST_F(ExportPictureTest, RefusesWhatItCannotDoAndLeavesTheOldFile)
