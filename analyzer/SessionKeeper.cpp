@@ -9,6 +9,7 @@
 #include <analyzer/tags/TagEditor.h>
 #include <analyzer/views/AnalyzerViewInterface.h>
 #include <analyzer/views/HoveredCase.h>
+#include <analyzer/views/selectedRows.h>
 #include <analyzer/views/viewKinds.h>
 
 #include <dataviews/platform/data/Project.h>
@@ -34,17 +35,6 @@
 namespace analyzer {
 
 namespace {
-
-RowBitmap rowsOf(const Project& project, const std::set<unsigned long long>& caseIDs)
-{
-    RowBitmap rows(project.caseCount());
-    for (const unsigned long long id : caseIDs) {
-        if (const std::optional<std::size_t> row = project.row(id)) {
-            rows.set(*row);
-        }
-    }
-    return rows;
-}
 
 void addAll(RowBitmap& rows, const RowBitmap& others)
 {
@@ -117,7 +107,7 @@ QByteArray SessionKeeper::write(const QString& folder) const
     session.windowSize = m_parts.window.size();
     session.viewLayout = m_parts.views.layoutOfViews();
     session.panelLayout = m_parts.window.saveState();
-    session.selection = rowsOf(project, m_parts.selection.getSelections());
+    session.selection = selectedRows(project, *m_parts.selection.cases());
 
     RowBitmap inSets = session.selection;
     for (const SessionView& view : session.views) {
