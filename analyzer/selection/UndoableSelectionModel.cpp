@@ -9,7 +9,7 @@ namespace analyzer {
 
 UndoableSelectionModel::UndoableSelectionModel()
     : m_undoId(UndoStack::nextUndoID())
-    , m_cases(cases())
+    , m_cases(SelectionModel::cases())
 {
     // The first listener of all, and so told before any other.
     m_connections.add(signalSelectionChanged.connect(

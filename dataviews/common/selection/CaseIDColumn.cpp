@@ -266,6 +266,11 @@ void CaseIDColumn::appendKeys(vtkIdTypeArray& rows, std::vector<Key>& keys) cons
 
 vtkSmartPointer<vtkIdTypeArray> CaseIDColumn::rowsOf(const CaseIDMembership& cases) const
 {
+    return toRows(markedRows(cases));
+}
+
+std::vector<std::uint64_t> CaseIDColumn::markedRows(const CaseIDMembership& cases) const
+{
     const vtkIdType rowCount = m_column.GetNumberOfTuples();
     std::vector<std::uint64_t> words;
     if (!cases.isEmpty()) {
@@ -282,7 +287,7 @@ vtkSmartPointer<vtkIdTypeArray> CaseIDColumn::rowsOf(const CaseIDMembership& cas
             }
         });
     }
-    return toRows(words);
+    return words;
 }
 
 std::set<unsigned long long> CaseIDColumn::toCaseIDs(std::vector<Key> keys)

@@ -38,6 +38,9 @@ public:
     /// The rows whose case is in \p cases, in ascending order: a new array with one component.
     [[nodiscard]] vtkSmartPointer<vtkIdTypeArray> rowsOf(const CaseIDMembership& cases) const;
 
+    /// The same as a bit for each row, 64 rows a word; no words for no cases.
+    [[nodiscard]] std::vector<std::uint64_t> markedRows(const CaseIDMembership& cases) const;
+
     /// The case IDs that belong to \p keys, each once. Built in ascending order, so that walking the set is fast.
     [[nodiscard]] static std::set<unsigned long long> toCaseIDs(
         std::vector<CaseIDMembership::Key> keys);

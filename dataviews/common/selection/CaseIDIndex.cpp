@@ -126,11 +126,30 @@ vtkSmartPointer<vtkIdTypeArray> CaseIDIndex::rowsOf(const CaseSet& cases) const
     if (m_isInOrder) {
         return rowsInOrder(cases);
     }
-    const auto rowCount = static_cast<std::size_t>(m_state.rowCount);
-    if (rowCount < noRow && cases.size() <= rowCount / rowsPerLook) {
+    if (!takesPass(cases)) {
         return rowsByMap(cases);
     }
     return CaseIDColumn(*m_column).rowsOf(CaseIDMembership::of(cases));
+}
+
+vtkSmartPointer<vtkIdTypeArray> CaseIDIndex::rowsOf(
+    const boost::shared_ptr<const CaseSet>& cases) const
+{
+    if (m_isInOrder || !takesPass(*cases)) {
+        return rowsOf(*cases);
+    }
+    if (m_lastCases != cases) {
+        m_lastRows = CaseIDColumn(*m_column).markedRows(CaseIDMembership::of(*cases));
+        m_lastCases = cases;
+    }
+    return CaseIDColumn::toRows(m_lastRows);
+}
+
+/// Whether there are too many cases to look each one up.
+bool CaseIDIndex::takesPass(const CaseSet& cases) const
+{
+    const auto rowCount = static_cast<std::size_t>(m_state.rowCount);
+    return rowCount >= noRow || cases.size() > rowCount / rowsPerLook;
 }
 
 /// A row is the ID less the first one.

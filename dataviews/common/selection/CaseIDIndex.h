@@ -55,6 +55,11 @@ public:
     /// The rows whose case is in \p cases, in ascending order: a new array with one component. The index must be current.
     [[nodiscard]] vtkSmartPointer<vtkIdTypeArray> rowsOf(const CaseSet& cases) const;
 
+    /// The same for cases that are not null. Of many cases, the rows of the last ones are remembered: further plots that
+    /// ask for the same ones cost little more than the array that they get.
+    [[nodiscard]] vtkSmartPointer<vtkIdTypeArray> rowsOf(
+        const boost::shared_ptr<const CaseSet>& cases) const;
+
 private:
     using Key = CaseIDMembership::Key;
 
@@ -70,6 +75,7 @@ private:
         [[nodiscard]] bool operator==(const State& other) const;
     };
 
+    [[nodiscard]] bool takesPass(const CaseSet& cases) const;
     [[nodiscard]] vtkSmartPointer<vtkIdTypeArray> rowsInOrder(const CaseSet& cases) const;
     [[nodiscard]] vtkSmartPointer<vtkIdTypeArray> rowsByMap(const CaseSet& cases) const;
     void buildMap() const;
@@ -85,4 +91,6 @@ private:
     mutable std::vector<std::uint32_t>
         m_nextRow; ///< with the same ID, by row; empty if all are different
     mutable std::vector<std::pair<Key, std::uint32_t>> m_sorted; ///< else: IDs with their rows
+    mutable boost::shared_ptr<const CaseSet> m_lastCases;
+    mutable std::vector<std::uint64_t> m_lastRows; ///< of m_lastCases, a bit for each
 };

@@ -75,7 +75,7 @@ void DataView2DSelectionSynchronizer::setPlotsToSynchronize(
 
 void DataView2DSelectionSynchronizer::updateChartSelections()
 {
-    setNewSelections(*m_selectionModel->cases());
+    setNewSelections(m_selectionModel->cases());
 }
 
 void DataView2DSelectionSynchronizer::signalSelectionsUpdatedConnected() const {}
@@ -91,7 +91,7 @@ void DataView2DSelectionSynchronizer::chartSelectionChanged()
     // Nothing was heard of the selection: nothing new was picked, or what was selected already. The chart shows the
     // points that were hit and gets back the whole selection, other plots' points of the same cases included.
     if (!m_chartIsUpToDate) {
-        setNewSelections(*m_selectionModel->cases());
+        setNewSelections(m_selectionModel->cases());
     }
 }
 
@@ -102,31 +102,21 @@ void DataView2DSelectionSynchronizer::masterSelectionChanged(const CaseSelection
         return;
     }
     const CvWaitCursor waitCursor;
-    setNewSelections(*selection);
+    setNewSelections(selection.cases());
     signalSelectionsUpdated();
 }
 
-void DataView2DSelectionSynchronizer::setNewSelections(const CaseSet& cases)
+void DataView2DSelectionSynchronizer::setNewSelections(
+    const boost::shared_ptr<const CaseSet>& cases)
 {
     m_chartIsUpToDate = true;
     m_hasPutOff = false;
-    // Plots of one table show the same rows.
-    const vtkAbstractArray* lastColumn = nullptr;
-    vtkSmartPointer<vtkIdTypeArray> lastRows;
     const vtkIdType plotCount = m_chart->GetNumberOfPlots();
     for (vtkIdType index = 0; index < plotCount; ++index) {
         const vtkSmartPointer<vtkPlot> plot = m_chart->GetPlot(index);
         vtkSmartPointer<vtkIdTypeArray> rows;
         if (plotShouldBeSynchronized(plot)) {
-            vtkAbstractArray& column = *getRunIdArray(*plot->GetInput());
-            if (&column == lastColumn) {
-                rows = vtkSmartPointer<vtkIdTypeArray>::New();
-                rows->DeepCopy(lastRows);
-            } else {
-                rows = CaseIDIndex::of(column)->rowsOf(cases);
-            }
-            lastColumn = &column;
-            lastRows = rows;
+            rows = CaseIDIndex::of(*getRunIdArray(*plot->GetInput()))->rowsOf(cases);
         } else {
             rows = vtkSmartPointer<vtkIdTypeArray>::New();
             rows->SetNumberOfComponents(1);

@@ -69,7 +69,7 @@ private:
     virtual void chartSelectionChanged();
 
     void masterSelectionChanged(const CaseSelection& selection);
-    void setNewSelections(const CaseSet& cases);
+    void setNewSelections(const boost::shared_ptr<const CaseSet>& cases);
     [[nodiscard]] bool plotShouldBeSynchronized(vtkSmartPointer<vtkPlot> plot) const;
     [[nodiscard]] vtkAbstractArray* getRunIdArray(vtkTable& table) const;
     [[nodiscard]] boost::shared_ptr<const CaseSet> pickedCases() const;

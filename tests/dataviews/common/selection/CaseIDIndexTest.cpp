@@ -9,6 +9,8 @@
 #include <vtkNew.h>
 #include <vtkStringArray.h>
 
+#include <boost/make_shared.hpp>
+
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -125,7 +127,13 @@ TEST(CaseIDIndexTest, FindsTheRowsThatAPassFinds)
             for (vtkAbstractArray* column :
                  std::initializer_list<vtkAbstractArray*>{integers, reals, texts}) {
                 for (const Cases& cases : selections(ids, random)) {
-                    ASSERT_EQ(indexedRows(*column, cases), passedRows(*column, cases));
+                    const Rows expected = passedRows(*column, cases);
+                    ASSERT_EQ(indexedRows(*column, cases), expected);
+                    // And once more, for another plot.
+                    const auto shared = boost::make_shared<const CaseSet>(cases);
+                    const auto index = CaseIDIndex::of(*column);
+                    ASSERT_EQ(values(*index->rowsOf(shared)), expected);
+                    ASSERT_EQ(values(*index->rowsOf(shared)), expected);
                 }
             }
         }

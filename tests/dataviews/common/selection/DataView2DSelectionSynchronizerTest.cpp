@@ -10,7 +10,10 @@
 #include <vtkChartXY.h>
 #include <vtkCommand.h>
 #include <vtkGenericRenderWindowInteractor.h>
+#include <vtkIdTypeArray.h>
+#include <vtkNew.h>
 #include <vtkPlotPoints.h>
+#include <vtkTable.h>
 
 #include <boost/make_shared.hpp>
 
@@ -254,6 +257,59 @@ TEST_F(DataView2DSelectionSynchronizerTest, SuspensionClosesBothDirectionsAndIsN
     m_chart.pick({{0}, {}, {}});
     EXPECT_THAT(m_master->takeCalls(), ElementsAre(Cases{10})) << "Heard once only.";
     EXPECT_EQ(m_updates, 1);
+}
+
+TEST_F(DataView2DSelectionSynchronizerTest, ChartThatNobodySeesCatchesUpWhenItIsSeenAgain)
+{
+    m_synchronizer->updateChartSelections();
+    m_synchronizer->setSeen(false);
+
+    m_master->setSelection({10});
+    m_master->setSelection({13});
+    EXPECT_THAT(m_chart.selected(0), ElementsAre(1, 4));
+    EXPECT_EQ(m_updates, 0);
+
+    m_synchronizer->setSeen(true);
+    EXPECT_THAT(m_chart.selected(0), ElementsAre(3));
+    EXPECT_THAT(m_chart.selected(1), ElementsAre(0));
+    EXPECT_EQ(m_updates, 1);
+    m_synchronizer->setSeen(true);
+    EXPECT_EQ(m_updates, 1) << "There was nothing to catch up with.";
+
+    // For a picture of it, it catches up on the quiet.
+    m_synchronizer->setSeen(false);
+    m_master->setSelection({12});
+    m_synchronizer->catchUp();
+    EXPECT_THAT(m_chart.selected(0), ElementsAre(2));
+    m_synchronizer->setSeen(true);
+    EXPECT_EQ(m_updates, 1);
+}
+
+TEST_F(DataView2DSelectionSynchronizerTest, ShowsValuesThatWereWrittenInPlaceAndTold)
+{
+    m_synchronizer->updateChartSelections();
+    vtkAbstractArray& ids = *m_chart.chart->GetPlot(0)->GetInput()->GetColumn(0);
+
+    ids.SetVariantValue(0, 20);
+    ids.Modified();
+    m_synchronizer->updateChartSelections();
+
+    EXPECT_THAT(m_chart.selected(0), ElementsAre(0, 1, 4));
+}
+
+TEST_F(DataView2DSelectionSynchronizerTest, PlotsOfOneTableHaveArraysOfTheirOwn)
+{
+    vtkPlot& first = *m_chart.chart->GetPlot(0);
+    const vtkNew<vtkPlotPoints> twin;
+    twin->SetInputData(first.GetInput(), 1, 2);
+    m_chart.chart->AddPlot(twin);
+    m_synchronizer->setPlotsToSynchronize({&first, twin.GetPointer()});
+    m_synchronizer->updateChartSelections();
+    ASSERT_THAT(selectedRows(*twin), ElementsAre(1, 4));
+
+    twin->GetSelection()->SetValue(0, 3); // as VTK does when it looks for points
+
+    EXPECT_THAT(m_chart.selected(0), ElementsAre(1, 4));
 }
 
 TEST_F(DataView2DSelectionSynchronizerTest, LeavesTheChartAndTheMasterWhenItDies)

@@ -1,5 +1,7 @@
 #include <dataviews/platform/selection/SelectionModel.h>
 
+#include <boost/make_shared.hpp>
+
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -7,6 +9,8 @@
 #include <memory>
 #include <stdexcept>
 #include <vector>
+
+#include <tests/support/RecordingSelectionModel.h>
 
 namespace {
 
@@ -90,6 +94,43 @@ TEST(SelectionModelTest, ListenerMayDestroyTheModel)
 
     // Listeners behind the one that destroys the model hear nothing or the truth, but no selection that is gone.
     EXPECT_THAT(behind, testing::Each(Cases{1, 2, 3}));
+}
+
+TEST(SelectionModelTest, TellsEachListenerInItsForm)
+{
+    SelectionModel model;
+    std::vector<Cases> sets;
+    std::vector<SelectionModelInterface::Cases> shared;
+    model.signalSelectionChanged.connect([&](const CaseSelection& selection) {
+        shared.push_back(selection.cases());
+        if (selection->contains(1)) {
+            model.setSelection({2, 5});
+        }
+    });
+    model.signalSelectionChanged.connect([&](const Cases& cases) { sets.push_back(cases); });
+    const auto cases = boost::make_shared<const CaseSet>(Cases{1, 3});
+
+    model.takeCases(cases);
+
+    ASSERT_EQ(shared.size(), 2U);
+    EXPECT_EQ(shared[0], cases) << "It was copied.";
+    EXPECT_EQ(shared[1], model.cases());
+    EXPECT_THAT(sets, ElementsAre(Cases{2, 5}, Cases{2, 5}));
+    EXPECT_EQ(model.getSelections(), (Cases{2, 5}));
+}
+
+TEST(SelectionModelInterfaceTest, ModelThatKnowsSetsOnlyTakesAndTellsCases)
+{
+    RecordingSelectionModel model;
+    std::vector<Cases> told;
+    model.signalSelectionChanged.connect(
+        [&](const CaseSelection& selection) { told.push_back(selection->toSet()); });
+
+    model.takeCases(boost::make_shared<const CaseSet>(Cases{4, 7}));
+
+    EXPECT_THAT(model.takeCalls(), ElementsAre(Cases{4, 7}));
+    EXPECT_THAT(told, ElementsAre(Cases{4, 7}));
+    EXPECT_EQ(*model.cases(), CaseSet({4, 7}));
 }
 
 TEST(SelectionModelInterfaceTest, SubclassHearsOfNewListeners)
