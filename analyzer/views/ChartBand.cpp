@@ -21,7 +21,9 @@ namespace {
 constexpr int textDistance = 16; ///< from the mouse
 constexpr int textPaddingX = 6;
 constexpr int textPaddingY = 3;
-constexpr int lineMargin = 2; ///< around the band, for its line
+constexpr int lineMargin = 3; ///< around the band, for its line
+constexpr double outerWidth = 3.0;
+constexpr double innerWidth = 1.0;
 
 /// The band and the text beside the mouse, in a widget that is no larger than both: what lies under it is composed anew
 /// when it changes.
@@ -57,12 +59,13 @@ protected:
         QPainter painter(this);
         painter.translate(-geometry().topLeft());
         painter.setRenderHint(QPainter::Antialiasing);
-        constexpr int fillOpacity = 40;
-        QColor fill = palette().color(QPalette::Highlight);
-        QColor line = fill;
-        fill.setAlpha(fillOpacity);
-        painter.setBrush(fill);
-        painter.setPen(QPen(line, 1.0));
+        // In two tones, to be seen on any background and over points of any color.
+        constexpr QRgb fill = qRgba(128, 128, 128, 64);
+        painter.setBrush(QColor::fromRgba(fill));
+        painter.setPen(QPen(Qt::white, outerWidth));
+        painter.drawPath(m_band);
+        painter.setBrush(Qt::NoBrush);
+        painter.setPen(QPen(Qt::black, innerWidth));
         painter.drawPath(m_band);
         if (m_text.isEmpty()) {
             return;
