@@ -1,14 +1,51 @@
 #include <analyzer/StudyLoader.h>
 #include <analyzer/study/ReadCancelled.h>
 #include <analyzer/study/ReadProgress.h>
+#include <analyzer/study/StudyLocation.h>
+
+#include <QFileInfo>
 
 #include <algorithm>
+#include <atomic>
 #include <chrono>
 #include <exception>
 #include <new>
 #include <utility>
 
 namespace analyzer {
+
+namespace {
+
+/// Finds out the fingerprint of a study in a thread of its own, until it is destroyed.
+class FingerprintSearch
+{
+public:
+    FingerprintSearch(const std::string& path, const QDateTime& began, const ReadProgress& progress)
+        : m_result(std::async(std::launch::async, [this, path, began, &progress] {
+            const std::string table = locateStudy(path).tablePath;
+            // A pipe would have to be waited for; the reader refuses it.
+            return QFileInfo(QString::fromStdString(table)).isFile()
+                ? fingerprintOf(
+                    table, began, [this, &progress] { return m_isOver || progress.isCancelled(); })
+                : StudyFingerprint();
+        }))
+    {}
+
+    FingerprintSearch(const FingerprintSearch&) = delete;
+    FingerprintSearch& operator=(const FingerprintSearch&) = delete;
+
+    ~FingerprintSearch() { m_isOver = true; }
+
+    /// To be called once.
+    [[nodiscard]] StudyFingerprint result() { return m_result.get(); }
+
+private:
+    std::atomic<bool> m_isOver{false};
+    std::future<StudyFingerprint>
+        m_result; ///< the last, for its end is waited for before the other goes
+};
+
+} // namespace
 
 StudyLoader::StudyLoader(QObject* parent)
     : QObject(parent)
@@ -77,10 +114,13 @@ void StudyLoader::read(
     const auto study = std::make_shared<ReadStudy>();
     QString message;
     try {
-        *study = readStudy(path, *progress);
         if (withFingerprint) {
-            fingerprint = fingerprintOf(
-                study->project->filePath(), began, [&progress] { return progress->isCancelled(); });
+            // It takes as long as the reading, and need not wait for that.
+            FingerprintSearch search(path, began, *progress);
+            *study = readStudy(path, *progress);
+            fingerprint = search.result();
+        } else {
+            *study = readStudy(path, *progress);
         }
         progress->throwIfCancelled();
     } catch (const ReadCancelled&) {

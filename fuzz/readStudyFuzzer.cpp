@@ -13,7 +13,7 @@
 #include <fuzz/ScratchFile.h>
 #include <fuzz/require.h>
 
-/// The first byte says how much of the file is read at a time, the others are the table.
+/// The first byte says how the table is cut for reading, the others are the table.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {
     static ScratchFile file("data.csv");
@@ -21,12 +21,13 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         return 0;
     }
     constexpr std::size_t step = 7;
-    const std::size_t chunkBytes = 1 + data[0] * step;
+    const std::size_t bytes = 1 + data[0] * step;
+    const bool inBlocks = data[0] % 2 == 1;
+    const analyzer::StudyReader reader({bytes, bytes, inBlocks ? 2U : 0U, bytes});
     file.write(data + 1, size - 1);
     try {
         analyzer::ReadProgress progress;
-        const analyzer::ReadStudy study =
-            analyzer::StudyReader(chunkBytes).read(file.path(), progress);
+        const analyzer::ReadStudy study = reader.read(file.path(), progress);
 
         const Project& project = *study.project;
         require(project.caseCount() > 0, "a study has a case");

@@ -11,6 +11,7 @@
 
 #include <benchmark/benchmark.h>
 
+#include <charconv>
 #include <cstddef>
 #include <random>
 #include <string>
@@ -42,7 +43,7 @@ std::string fileIn(const QTemporaryDir& folder)
 }
 
 /// All digits, and on the disk at the end.
-void writeCsv(benchmark::State& state)
+void writeCases(benchmark::State& state)
 {
     const QTemporaryDir folder;
     Project project;
@@ -55,7 +56,7 @@ void writeCsv(benchmark::State& state)
 }
 
 /// What VTK has for the same table: six digits, and no care for the disk.
-void writeCsvPlainly(benchmark::State& state)
+void writeWithVtk(benchmark::State& state)
 {
     const QTemporaryDir folder;
     Project project;
@@ -69,16 +70,37 @@ void writeCsvPlainly(benchmark::State& state)
     state.SetItemsProcessed(state.iterations() * state.range(0) * columnCount);
 }
 
+/// The floor: the digits alone, of all numbers, in memory.
+void makeDigits(benchmark::State& state)
+{
+    Project project;
+    fill(project, static_cast<std::size_t>(state.range(0)));
+    for (auto _ : state) {
+        for (const WeakPtr<Variable>& variable : project.variables()) {
+            const vtkDoubleArray& column = *variable.lock()->realColumn();
+            constexpr std::size_t enough = 32;
+            char text[enough];
+            for (vtkIdType row = 0; row < column.GetNumberOfTuples(); ++row) {
+                benchmark::DoNotOptimize(
+                    std::to_chars(text, text + enough, column.GetValue(row)).ptr);
+            }
+        }
+    }
+    state.SetItemsProcessed(state.iterations() * state.range(0) * columnCount);
+}
+
 void sizes(benchmark::internal::Benchmark* benchmark)
 {
     benchmark->ArgName("rows")
-        ->RangeMultiplier(10)
+        ->RangeMultiplier(100)
         ->Range(100, 1000000)
         ->Unit(benchmark::kMillisecond)
+        ->MeasureProcessCPUTime()
         ->UseRealTime();
 }
 
-BENCHMARK(writeCsv)->Name("study/write_csv/ours")->Apply(sizes);
-BENCHMARK(writeCsvPlainly)->Name("study/write_csv/plain")->Apply(sizes);
+BENCHMARK(writeCases)->Name("study/write_csv/ours")->Apply(sizes);
+BENCHMARK(writeWithVtk)->Name("study/write_csv/vtk")->Apply(sizes);
+BENCHMARK(makeDigits)->Name("study/write_csv/to_chars")->Apply(sizes);
 
 } // namespace

@@ -1,3 +1,4 @@
+#include <analyzer/study/ReadCancelled.h>
 #include <analyzer/study/ReadProgress.h>
 #include <analyzer/study/StudyReader.h>
 
@@ -6,15 +7,22 @@
 
 #include <benchmark/benchmark.h>
 
+#include <algorithm>
+#include <atomic>
+#include <chrono>
 #include <cstddef>
 #include <cstdint>
 #include <fstream>
 #include <iterator>
+#include <map>
+#include <memory>
 #include <random>
 #include <stdexcept>
 #include <string>
+#include <thread>
 
 #include <csv.h>
+#include <fast_float/fast_float.h>
 
 namespace {
 
@@ -59,21 +67,82 @@ private:
     std::string m_path;
 };
 
-void readNumbers(benchmark::State& state)
+/// One for each number of rows, made once: that takes longer than reading it.
+const NumbersFile& numbersFile(std::int64_t rowCount)
 {
-    const NumbersFile file(state.range(0));
-    for (auto _ : state) {
-        analyzer::ReadProgress progress;
-        const analyzer::ReadStudy study = analyzer::readStudy(file.path(), progress);
-        benchmark::DoNotOptimize(study.project->caseCount());
+    static std::map<std::int64_t, std::unique_ptr<NumbersFile>> files;
+    std::unique_ptr<NumbersFile>& file = files[rowCount];
+    if (!file) {
+        file = std::make_unique<NumbersFile>(rowCount);
     }
+    return *file;
+}
+
+/// The largest amount of memory that this process had resident since the last reset(), where the system tells.
+class PeakMemory
+{
+public:
+    static void reset() { std::ofstream("/proc/self/clear_refs") << "5"; }
+
+    static double bytes()
+    {
+        std::ifstream status("/proc/self/status");
+        for (std::string word; status >> word;) {
+            if (word == "VmHWM:") {
+                double kibibytes = 0.0;
+                status >> kibibytes;
+                constexpr double bytesPerKibibyte = 1024.0;
+                return kibibytes * bytesPerKibibyte;
+            }
+        }
+        return 0.0;
+    }
+};
+
+void setItems(benchmark::State& state)
+{
     state.SetItemsProcessed(state.iterations() * state.range(0) * columnCount);
 }
 
-/// The floor: libcsv takes the same text apart in memory and nobody looks at the fields.
-void parseByLibcsv(benchmark::State& state)
+/// `peak_per_columns` is the memory that reading takes at most, as a multiple of what the finished columns have.
+void read(benchmark::State& state, const analyzer::StudyReader& reader)
 {
-    const std::string text = NumbersFile(state.range(0)).text();
+    const NumbersFile& file = numbersFile(state.range(0));
+    const double columnBytes = static_cast<double>(state.range(0))
+        * static_cast<double>(columnCount * sizeof(double) + sizeof(int));
+    double peak = 0.0;
+    for (auto _ : state) {
+        state.PauseTiming();
+        PeakMemory::reset();
+        const double before = PeakMemory::bytes();
+        state.ResumeTiming();
+        analyzer::ReadProgress progress;
+        {
+            const analyzer::ReadStudy study = reader.read(file.path(), progress);
+            benchmark::DoNotOptimize(study.project->caseCount());
+            state.PauseTiming();
+            peak = std::max(peak, PeakMemory::bytes() - before);
+            state.ResumeTiming();
+        }
+    }
+    state.counters["peak_per_columns"] = peak / columnBytes;
+    setItems(state);
+}
+
+void readInBlocks(benchmark::State& state)
+{
+    read(state, analyzer::StudyReader());
+}
+
+void readFromEndToEnd(benchmark::State& state)
+{
+    read(state, analyzer::StudyReader(analyzer::TableFile::defaultChunkBytes));
+}
+
+/// libcsv takes the same text apart in memory, and nobody looks at the fields.
+void parseWithLibcsv(benchmark::State& state)
+{
+    const std::string text = numbersFile(state.range(0)).text();
     for (auto _ : state) {
         csv_parser parser;
         csv_init(&parser, 0);
@@ -87,20 +156,80 @@ void parseByLibcsv(benchmark::State& state)
         benchmark::DoNotOptimize(done);
         csv_free(&parser);
     }
-    state.SetItemsProcessed(state.iterations() * state.range(0) * columnCount);
+    setItems(state);
 }
 
-BENCHMARK(readNumbers)
-    ->Name("study/read/ours")
-    ->ArgName("rows")
-    ->RangeMultiplier(10)
-    ->Range(100, 100000)
-    ->Unit(benchmark::kMicrosecond);
-BENCHMARK(parseByLibcsv)
-    ->Name("study/read/libcsv")
-    ->ArgName("rows")
-    ->RangeMultiplier(10)
-    ->Range(100, 100000)
-    ->Unit(benchmark::kMicrosecond);
+/// fast_float reads the numbers of the same text in memory, one behind the other.
+void parseWithFastFloat(benchmark::State& state)
+{
+    const std::string text = numbersFile(state.range(0)).text();
+    for (auto _ : state) {
+        const char* place = text.data() + text.find('\n') + 1;
+        const char* const end = text.data() + text.size();
+        double sum = 0.0;
+        while (place < end) {
+            double value = 0.0;
+            place = fast_float::from_chars(place, end, value).ptr + 1;
+            sum += value;
+        }
+        benchmark::DoNotOptimize(sum);
+    }
+    setItems(state);
+}
+
+/// From the call of cancel(), so many percent of the way, until the reader has let go of everything.
+void cancel(benchmark::State& state)
+{
+    const NumbersFile& file = numbersFile(state.range(0));
+    const double fraction = static_cast<double>(state.range(1)) / 100.0;
+    using Clock = std::chrono::steady_clock;
+    double longest = 0.0;
+    for (auto _ : state) {
+        analyzer::ReadProgress progress;
+        std::atomic<bool> isOver{false};
+        std::thread reading([&] {
+            try {
+                const analyzer::ReadStudy study = analyzer::readStudy(file.path(), progress);
+                benchmark::DoNotOptimize(study.project->caseCount());
+            } catch (const analyzer::ReadCancelled&) {
+                benchmark::ClobberMemory();
+            }
+            isOver = true;
+        });
+        while (!isOver && progress.fraction() < fraction) {
+            std::this_thread::sleep_for(std::chrono::microseconds(100));
+        }
+        const Clock::time_point begin = Clock::now();
+        progress.cancel();
+        reading.join();
+        const double seconds = std::chrono::duration<double>(Clock::now() - begin).count();
+        state.SetIterationTime(seconds);
+        longest = std::max(longest, seconds);
+    }
+    constexpr double millisecondsPerSecond = 1000.0;
+    state.counters["longest_ms"] = longest * millisecondsPerSecond;
+}
+
+void sizes(benchmark::internal::Benchmark* benchmark)
+{
+    benchmark->ArgName("rows")
+        ->RangeMultiplier(100)
+        ->Range(100, 1000000)
+        ->Unit(benchmark::kMillisecond)
+        ->MeasureProcessCPUTime()
+        ->UseRealTime();
+}
+
+BENCHMARK(readInBlocks)->Name("study/read/ours")->Apply(sizes);
+BENCHMARK(readFromEndToEnd)->Name("study/read/end_to_end")->Apply(sizes);
+BENCHMARK(parseWithLibcsv)->Name("study/read/libcsv")->Apply(sizes);
+BENCHMARK(parseWithFastFloat)->Name("study/read/fast_float")->Apply(sizes);
+BENCHMARK(cancel)
+    ->Name("study/cancel/ours")
+    ->ArgNames({"rows", "percent"})
+    ->ArgsProduct({{1000000}, {1, 30, 60, 79, 95}})
+    ->Unit(benchmark::kMillisecond)
+    ->Iterations(5)
+    ->UseManualTime();
 
 } // namespace

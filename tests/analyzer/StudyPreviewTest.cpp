@@ -1,6 +1,7 @@
 #include <analyzer/StudyPreview.h>
 #include <analyzer/study/TablePreview.h>
 
+#include <QApplication>
 #include <QProgressBar>
 #include <QPushButton>
 #include <QSignalSpy>
@@ -61,7 +62,8 @@ TEST(StudyPreviewTest, IsCancelledOnceByMouseOrKey)
     auto* bar = preview.findChild<QProgressBar*>();
     QSignalSpy cancelled(&preview, &StudyPreview::cancelled);
     preview.show();
-    ASSERT_TRUE(QTest::qWaitForWindowActive(&preview));
+    ASSERT_TRUE(QTest::qWaitForWindowExposed(&preview));
+    QApplication::setActiveWindow(&preview); // keys go there, and no window manager may run
 
     preview.start(QStringLiteral("a"));
     preview.setFraction(0.429);

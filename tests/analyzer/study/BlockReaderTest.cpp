@@ -168,7 +168,7 @@ private:
 TEST(BlockReaderTest, ReadsWhatIsReadFromEndToEndHoweverTheTableIsCut)
 {
     const TemporaryFolder folder;
-    constexpr unsigned tables = 500;
+    constexpr unsigned tables = 1000;
     for (unsigned seed = 0; seed < tables; ++seed) {
         SCOPED_TRACE("seed " + std::to_string(seed));
         const std::string text = AnyTable(seed).text();
