@@ -3,6 +3,9 @@
 #include <algorithm>
 #include <array>
 #include <system_error>
+#include <utility>
+
+#include <sys/stat.h>
 
 namespace analyzer {
 
@@ -72,6 +75,9 @@ ImagePaths::Resolved ImagePaths::resolve(std::string_view text)
     if (!endsLikeImage(trimmedText)) {
         return {{}, "does not end like the name of an image"};
     }
+    if (std::string path = plainPath(trimmedText); !path.empty()) {
+        return {std::move(path), ""};
+    }
     constexpr const char* leaves = "leaves the study's folder";
     constexpr std::size_t maxPathBytes = 4096;
     if (trimmedText.size() > maxPathBytes) {
@@ -93,6 +99,45 @@ ImagePaths::Resolved ImagePaths::resolve(std::string_view text)
         return {{}, leaves};
     }
     return {path.u8string(), ""};
+}
+
+/// The path of \p text if that is as simple as most are: names below the study's folder, the last of which is no link;
+/// else empty. Taking paths apart would cost more than looking at their files.
+std::string ImagePaths::plainPath(std::string_view text)
+{
+    constexpr std::size_t maxBytes = 1024;
+    if (text.empty() || text.size() > maxBytes
+        || text.find_first_of(std::string_view("\\:\0", 3)) != std::string_view::npos) {
+        return {};
+    }
+    const std::size_t lastSlash = text.rfind('/');
+    const std::string_view folder =
+        lastSlash == std::string_view::npos ? "" : text.substr(0, lastSlash);
+    const std::string_view name = text.substr(folder.empty() ? 0 : lastSlash + 1);
+    if (lastSlash == 0 || name.empty() || name.front() == '.') {
+        return {};
+    }
+    const auto known = m_plainFolders.find(std::string(folder));
+    const auto place = known != m_plainFolders.end()
+        ? known
+        : m_plainFolders.emplace(std::string(folder), plainFolder(folder)).first;
+    if (place->second.empty()) {
+        return {};
+    }
+    std::string path = place->second;
+    path += name;
+    struct stat status = {};
+    return ::lstat(path.c_str(), &status) == 0 && S_ISLNK(status.st_mode) ? std::string() : path;
+}
+
+/// The absolute path of \p folder, one of plainPath(), up to its last slash; empty if it is not simple.
+std::string ImagePaths::plainFolder(std::string_view folder)
+{
+    const fs::path given = fs::u8path(folder);
+    const fs::path path = (m_folder / given).lexically_normal();
+    const bool isPlain = given.is_relative() && given == given.lexically_normal()
+        && (folder.empty() || (isInside(path) && folderLeadsInside(path)));
+    return isPlain ? (path / "").u8string() : std::string();
 }
 
 bool ImagePaths::endsLikeImage(std::string_view text)

@@ -33,12 +33,15 @@ public:
     [[nodiscard]] static bool isWebAddress(std::string_view text);
 
 private:
+    [[nodiscard]] std::string plainPath(std::string_view text);
+    [[nodiscard]] std::string plainFolder(std::string_view folder);
     [[nodiscard]] bool isInside(const std::filesystem::path& path) const;
     [[nodiscard]] bool leadsInside(const std::filesystem::path& path) const;
     [[nodiscard]] bool folderLeadsInside(const std::filesystem::path& folder);
 
     std::filesystem::path m_folder;
     std::unordered_map<std::string, bool> m_folders; ///< whether each leads inside, links followed
+    std::unordered_map<std::string, std::string> m_plainFolders; ///< what plainFolder() has given
 };
 
 } // namespace analyzer
