@@ -4,6 +4,7 @@
 #include <QHeaderView>
 #include <QScrollBar>
 #include <QSignalBlocker>
+#include <QStyle>
 
 #include <algorithm>
 #include <cmath>
@@ -60,6 +61,13 @@ void setAllSections(QHeaderView& header, int size)
     header.setDefaultSectionSize(size);
 }
 
+/// The hint of a header that shortens its texts lacks some pixels, so that short texts would not be there at all.
+void makeRoomForRowTexts(QHeaderView& header)
+{
+    const int lacking = 2 * header.style()->pixelMetric(QStyle::PM_HeaderMargin, nullptr, &header);
+    header.setMinimumWidth(std::min(header.sizeHint().width() + lacking, header.maximumWidth()));
+}
+
 } // namespace
 
 QImageTableView::QImageTableView(QWidget* parent)
@@ -110,6 +118,7 @@ void QImageTableView::fitSections(const QPoint& anchor)
     const GridPlace column(*horizontalHeader(), anchor.x());
     setAllSections(*verticalHeader(), sizeHintForRow(0));
     setAllSections(*horizontalHeader(), sizeHintForColumn(0));
+    makeRoomForRowTexts(*verticalHeader());
     doItemsLayout();
     updateGeometries();
     row.restore(*verticalHeader(), *verticalScrollBar());

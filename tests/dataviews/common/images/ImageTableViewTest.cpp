@@ -11,6 +11,7 @@
 #include <dataviews/platform/widgets/QxtLabel.h>
 
 #include <QHeaderView>
+#include <QImage>
 #include <QScrollBar>
 #include <QTest>
 #include <QWheelEvent>
@@ -119,6 +120,28 @@ TEST_F(ImageTableViewTest, IsLaidOutAsAGridWithCaptions)
     EXPECT_EQ(caption("columnHeader"), QStringLiteral("page"));
     m_properties->columnVar()->setValue({});
     EXPECT_EQ(caption("columnHeader"), QString());
+}
+
+TEST_F(ImageTableViewTest, ShortRowHeadersAreNotShortened)
+{
+    build();
+    QHeaderView& header = *m_view->grid().verticalHeader();
+    ASSERT_EQ(header.model()->headerData(0, Qt::Vertical), "10");
+
+    const QImage first =
+        header.viewport()->grab(QRect(0, 0, header.width(), header.sectionSize(0) - 1)).toImage();
+
+    // Digits are high; the dots of a text that was cut off are not.
+    int inkedLines = 0;
+    for (int y = 0; y < first.height(); ++y) {
+        bool isInked = false;
+        for (int x = 0; x < first.width(); ++x) {
+            constexpr int dark = 90;
+            isInked = isInked || qGray(first.pixel(x, y)) < dark;
+        }
+        inkedLines += isInked ? 1 : 0;
+    }
+    EXPECT_GE(inkedLines, header.fontMetrics().xHeight());
 }
 
 TEST_F(ImageTableViewTest, LongRowHeadersLeaveRoomForImages)
