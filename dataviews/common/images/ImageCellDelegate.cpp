@@ -119,9 +119,8 @@ void ImageCellDelegate::paint(
     if (m_model.isStack(index)) {
         // Where pictures have it.
         painter->setOpacity(1.0);
-        painter->drawImage(
-            corner + QPoint(2, 2),
-            QImage(QStringLiteral(":/image-matrix-resources/images-stack.png")));
+        static const QImage mark(QStringLiteral(":/image-matrix-resources/images-stack.png"));
+        painter->drawImage(corner + QPoint(2, 2), mark);
     }
     painter->restore();
 }

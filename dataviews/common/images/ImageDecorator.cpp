@@ -47,7 +47,7 @@ QImage ImageDecorator::decorate(QImage image) const
     }
     QPainter painter(&painted);
     painter.setCompositionMode(QPainter::CompositionMode_SourceOver);
-    const QImage mark(QStringLiteral(":/image-matrix-resources/images-stack.png"));
+    static const QImage mark(QStringLiteral(":/image-matrix-resources/images-stack.png"));
     painter.drawImage(markPosition, mark, mark.rect());
     painter.end();
     return painted;

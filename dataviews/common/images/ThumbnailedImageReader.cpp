@@ -1,7 +1,6 @@
 #include <dataviews/common/images/ThumbnailedImageReader.h>
 
 #include <QImage>
-#include <QThread>
 
 #include <boost/make_shared.hpp>
 
@@ -9,7 +8,12 @@
 #include <deque>
 #include <mutex>
 #include <optional>
+#include <thread>
 #include <utility>
+
+#ifdef __linux__
+    #include <sys/resource.h>
+#endif
 
 namespace {
 
@@ -23,6 +27,16 @@ bool paysFor(const ImageFileHeader& picture, const QSize& thumbnail)
     constexpr qint64 otherRatio = 4;
     const auto pixels = [](const QSize& size) { return qint64{size.width()} * size.height(); };
     return pixels(picture.size) >= (picture.isJpeg ? jpegRatio : otherRatio) * pixels(thumbnail);
+}
+
+/// Lets this thread have what other threads leave of the processors. Not less than that: it takes locks of Qt, on which
+/// others would wait.
+void giveWayToOthers()
+{
+#ifdef __linux__
+    constexpr int niceness = 10;
+    setpriority(PRIO_PROCESS, 0, niceness); // of this thread alone
+#endif
 }
 
 QImage scaledTo(const QImage& image, const QSize& size)
@@ -51,8 +65,8 @@ public:
             m_isStopping = true;
         }
         m_wake.notify_all();
-        if (m_thread) {
-            m_thread->wait();
+        if (m_thread.joinable()) {
+            m_thread.join();
         }
     }
 
@@ -65,9 +79,8 @@ public:
         }
         m_waiting.push_back({std::move(original), side, std::move(picture)});
         m_bytes += bytes;
-        if (!m_thread) {
-            m_thread.reset(QThread::create([this] { work(); }));
-            m_thread->start(QThread::IdlePriority);
+        if (!m_thread.joinable()) {
+            m_thread = std::thread([this] { work(); });
         }
         m_wake.notify_all();
     }
@@ -96,6 +109,7 @@ private:
 
     void work()
     {
+        giveWayToOthers();
         Lock lock(m_mutex);
         for (;;) {
             m_wake.wait(lock, [this] { return m_isStopping || !m_waiting.empty(); });
@@ -126,7 +140,7 @@ private:
     std::size_t m_writtenCount = 0;
     bool m_isWriting = false;
     bool m_isStopping = false;
-    std::unique_ptr<QThread> m_thread; ///< none before there is something to write
+    std::thread m_thread; ///< none before there is something to write
 };
 
 ThumbnailedImageReader::ThumbnailedImageReader(ThumbnailCache thumbnails, std::size_t waitingBytes)

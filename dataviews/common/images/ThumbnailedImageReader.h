@@ -16,8 +16,8 @@
 /// Reads scaled pictures by way of a ThumbnailCache, where that is faster than decoding their files.
 ///
 /// Thumbnails pay for larger pictures only: reading one of 256 pixels takes about as long as decoding a JPEG file of
-/// 400 x 300 pixels. They are written by a thread of their own that runs when the processors have nothing else to do,
-/// after their pictures have been given out.
+/// 400 x 300 pixels. They are written by a thread of their own that gives way to others, after their
+/// pictures have been given out.
 class DATAVIEWS_IMAGES_EXPORT ThumbnailedImageReader
 {
 public:
