@@ -266,6 +266,27 @@ TEST_F(ChartBandTest, NothingIsRenderedWhileABandIsDragged)
     window.RemoveObserver(tag);
 }
 
+TEST_F(ChartBandTest, ADragBesideAnAxisSelectsAlongIt)
+{
+    show<analyzer::ScatterPlotView>();
+    m_master->setSelection({7});
+    vtkAxis& bottom = *m_view->chart().GetAxis(vtkAxis::BOTTOM);
+    const int y = m_widget->height() - static_cast<int>(bottom.GetPoint1()[1]) + 8;
+
+    QTest::mouseMove(m_widget, QPoint(120, y));
+    press(QPoint(120, y));
+    release(QPoint(120, y));
+    EXPECT_EQ(selected(), Cases({7})) << "a click there is none on empty space";
+
+    press(QPoint(120, y));
+    move(QPoint(300, y));
+    const QString foretold = text();
+    const Cases before = selected();
+    release(QPoint(300, y));
+    EXPECT_EQ(foretold, textOfChange(before, selected()));
+    EXPECT_GT(selected().size(), 50U);
+}
+
 TEST_F(ChartBandTest, EscapeTakesADragBack)
 {
     show<analyzer::ScatterPlotView>();
