@@ -1021,6 +1021,7 @@ void ChartViewAbstract::tellHover()
                     *plot->GetInput(),
                     variableName(m_xVariable->value()),
                     variableName(m_yVariable->value()))) {
+                hoverPlot->drawing = plot;
                 hoverPlots.push_back(std::move(*hoverPlot));
             }
         }
