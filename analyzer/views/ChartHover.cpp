@@ -4,6 +4,7 @@
 #include <analyzer/views/HoveredCase.h>
 
 #include <dataviews/common/charts/ChartXY.h>
+#include <dataviews/common/charts/PointSearchInterface.h>
 
 #include <dataviews/platform/vtk/vtkCvCommandProxy.h>
 
@@ -17,6 +18,7 @@
 #include <vtkCommand.h>
 #include <vtkDoubleArray.h>
 #include <vtkIntArray.h>
+#include <vtkPlotPoints.h>
 #include <vtkRenderWindow.h>
 #include <vtkTable.h>
 
@@ -138,33 +140,32 @@ struct NearestRow
     vtkIdType row = -1;
 };
 
-/// Of rows at the same distance the last one, which is drawn over the others.
+/// Looks at \p row, if the mouse reaches it. Of rows at the same distance the last one counts, which is drawn over the
+/// others.
 template <class X, class Y>
-void findNearest(
+void consider(
+    vtkIdType row,
     const X* x,
     const Y* y,
-    vtkIdType rowCount,
     const Nearness& nearX,
     const Nearness& nearY,
     NearestRow& nearest)
 {
-    for (vtkIdType row = 0; row < rowCount; ++row) {
-        const auto valueX = static_cast<double>(x[row]);
-        if (!nearX.isWithinReach(valueX)) {
-            continue;
-        }
-        const auto valueY = static_cast<double>(y[row]);
-        if (!nearY.isWithinReach(valueY) || !nearX.isWithinAxis(valueX)
-            || !nearY.isWithinAxis(valueY)) {
-            continue;
-        }
-        const double dx = nearX.distance(valueX);
-        const double dy = nearY.distance(valueY);
-        const double squaredDistance = dx * dx + dy * dy;
-        if (squaredDistance <= nearest.squaredDistance) {
-            nearest.squaredDistance = squaredDistance;
-            nearest.row = row;
-        }
+    const auto valueX = static_cast<double>(x[row]);
+    if (!nearX.isWithinReach(valueX)) {
+        return;
+    }
+    const auto valueY = static_cast<double>(y[row]);
+    if (!nearY.isWithinReach(valueY) || !nearX.isWithinAxis(valueX)
+        || !nearY.isWithinAxis(valueY)) {
+        return;
+    }
+    const double dx = nearX.distance(valueX);
+    const double dy = nearY.distance(valueY);
+    const double squaredDistance = dx * dx + dy * dy;
+    if (squaredDistance <= nearest.squaredDistance) {
+        nearest.squaredDistance = squaredDistance;
+        nearest.row = row;
     }
 }
 
@@ -425,10 +426,18 @@ std::optional<ChartHover::Point> ChartHover::pointAt(const QPoint& place) const
     for (std::size_t i = 0; i < m_plots.size(); ++i) {
         const Plot& plot = m_plots[i];
         nearest.row = -1;
+        const std::optional<std::vector<vtkIdType>> rows = rowsAround(plot, x, y, reach);
         withValues(*plot.x, [&](const auto* valuesX) {
             withValues(*plot.y, [&](const auto* valuesY) {
-                findNearest(
-                    valuesX, valuesY, plot.caseIDs->GetNumberOfTuples(), nearX, nearY, nearest);
+                if (rows) {
+                    for (const vtkIdType row : *rows) {
+                        consider(row, valuesX, valuesY, nearX, nearY, nearest);
+                    }
+                    return;
+                }
+                for (vtkIdType row = 0; row < plot.caseIDs->GetNumberOfTuples(); ++row) {
+                    consider(row, valuesX, valuesY, nearX, nearY, nearest);
+                }
             });
         });
         if (nearest.row >= 0) {
@@ -436,6 +445,31 @@ std::optional<ChartHover::Point> ChartHover::pointAt(const QPoint& place) const
         }
     }
     return found;
+}
+
+std::optional<std::vector<vtkIdType>> ChartHover::rowsAround(
+    const Plot& plot, double x, double y, double reach) const
+{
+    auto* const search = dynamic_cast<PointSearchInterface*>(plot.drawing.GetPointer());
+    if (search == nullptr) {
+        return std::nullopt;
+    }
+    // A pixel more, for the plot knows its points less exactly.
+    const double margin = reach + 1.0;
+    const AxisMapping bottom(*m_chart->GetAxis(vtkAxis::BOTTOM), 0);
+    const AxisMapping left(*m_chart->GetAxis(vtkAxis::LEFT), 1);
+    const vtkRectd shiftScale = plot.drawing->GetShiftScale();
+    const auto alongX = [&](double pixel) {
+        return static_cast<float>(
+            (bottom.toData(pixel) + shiftScale.GetX()) * shiftScale.GetWidth());
+    };
+    const auto alongY = [&](double pixel) {
+        return static_cast<float>(
+            (left.toData(pixel) + shiftScale.GetY()) * shiftScale.GetHeight());
+    };
+    const auto [minX, maxX] = std::minmax({alongX(x - margin), alongX(x + margin)});
+    const auto [minY, maxY] = std::minmax({alongY(y - margin), alongY(y + margin)});
+    return search->rowsIn({minX, minY, maxX, maxY});
 }
 
 std::optional<ChartHover::Point> ChartHover::pointOf(unsigned long long caseID) const

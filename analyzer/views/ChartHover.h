@@ -26,6 +26,7 @@ class Variable;
 class vtkCvCommandProxy;
 class vtkDataArray;
 class vtkIntArray;
+class vtkPlotPoints;
 class vtkRenderWindow;
 class vtkTable;
 
@@ -51,6 +52,8 @@ public:
         vtkSmartPointer<vtkDataArray>
             x; ///< a vtkDoubleArray or vtkIntArray with one component, as long as caseIDs
         vtkSmartPointer<vtkDataArray> y; ///< likewise
+        vtkSmartPointer<vtkPlotPoints> drawing =
+            {}; ///< what draws them; null if there is no such plot
     };
 
     /// \p widget has its render window, which shows \p chart, and keeps it. It may go before this object; then nothing
@@ -107,6 +110,11 @@ private:
     void showToolTip(unsigned long long caseID);
     [[nodiscard]] bool hasAxes() const;
     [[nodiscard]] std::optional<Point> pointAt(const QPoint& place) const;
+
+    /// The rows of \p plot that can be within \p reach of the mouse at \p x and \p y, in device pixels of the scene, in
+    /// ascending order; empty if the plot has no faster way than to look at all.
+    [[nodiscard]] std::optional<std::vector<vtkIdType>> rowsAround(
+        const Plot& plot, double x, double y, double reach) const;
     [[nodiscard]] std::optional<Point> pointOf(unsigned long long caseID) const;
 
     QPointer<QWidget> m_widget; ///< not as what it is: events come while it goes, too

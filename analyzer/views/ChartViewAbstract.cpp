@@ -1085,6 +1085,7 @@ void ChartViewAbstract::tellHover()
                     *plot->GetInput(),
                     variableName(m_xVariable->value()),
                     variableName(m_yVariable->value()))) {
+                hoverPlot->drawing = plot;
                 hoverPlots.push_back(std::move(*hoverPlot));
             }
         }

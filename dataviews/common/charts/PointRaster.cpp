@@ -5,11 +5,13 @@
 #include <algorithm>
 #include <cmath>
 #include <limits>
+#include <utility>
 
 namespace {
 
 constexpr int tileBits = 3; ///< tiles are 8 pixels wide and high
 constexpr int tileSide = 1 << tileBits;
+constexpr int bandBits = 5; ///< bands of 32 rows, of which the sums fit into a near cache
 constexpr std::uint32_t opaque = 255;
 constexpr vtkIdType blockSize = 2048; ///< points that stay in the nearest cache from step to step
 constexpr vtkIdType pointsWorthThread = 20000;
@@ -55,12 +57,21 @@ std::uint32_t over(std::uint32_t upper, std::uint32_t lower)
     return opacity == opaque || lower == 0 ? upper : upper + scaled(lower, opaque - opacity);
 }
 
-std::uint32_t premultiplied(const unsigned char* color, int channels)
+/// Red, green, blue and opacity from the lowest byte on.
+std::uint32_t bytesOf(const unsigned char* color, int channels)
 {
-    const std::uint32_t opacity = channels > 3 ? color[3] : opaque;
-    const std::uint32_t plain = color[0] | static_cast<std::uint32_t>(color[1]) << 8U
-        | static_cast<std::uint32_t>(color[2]) << 16U | opaque << 24U;
-    return scaled(plain, opacity);
+    return color[0] | static_cast<std::uint32_t>(color[1]) << 8U
+        | static_cast<std::uint32_t>(color[2]) << 16U | (channels > 3 ? color[3] : opaque) << 24U;
+}
+
+/// Adds red, green, blue and opacity of \p color.
+void addTo(std::array<std::uint32_t, 4>& sums, std::uint32_t color)
+{
+    constexpr std::uint32_t byte = 0xFF;
+    sums[0] += color & byte;
+    sums[1] += (color >> 8U) & byte;
+    sums[2] += (color >> 16U) & byte;
+    sums[3] += color >> 24U;
 }
 
 /// Calls \p function with each number from 0 to \p count, some of them at once.
@@ -184,6 +195,7 @@ struct PointRaster::Part
     std::vector<std::uint16_t> counts; ///< by pixel
     std::vector<unsigned char> isUsed; ///< by row of pixels
     std::vector<float> block;
+    std::vector<std::size_t> next; ///< where its next point in each band goes
 };
 
 /// Counts, row by row upward, how many markers lie over pixels.
@@ -425,12 +437,11 @@ void PointRaster::placePoints(
     m_places.resize(static_cast<std::size_t>(count));
     m_partCount = std::clamp(
         static_cast<std::size_t>(count / pointsWorthThread), std::size_t(1), m_parts.size());
-    const bool isSameSize = m_stride == picture.stride();
     m_stride = picture.stride();
     const Placement place(picture, points.axes, stencil);
     forEachAtOnce(m_partCount, [&](std::size_t index) {
         Part& part = m_parts[index];
-        if (!isSameSize || part.isUsed.size() != rows || part.counts.size() != size) {
+        if (part.isUsed.size() != rows || part.counts.size() != size) {
             part.counts.assign(size, 0);
             part.isUsed.assign(rows, 0);
         }
@@ -540,22 +551,25 @@ void PointRaster::noteOverlap(int y, int begin, int end, const std::uint32_t* ov
     }
 }
 
-bool PointRaster::isSparseAt(std::uint32_t place, int side) const
+void PointRaster::spreadTiles(const PixelPicture& picture, int side)
 {
-    const int left = columnOf(place) >> tileBits;
-    const int right = (columnOf(place) + side - 1) >> tileBits;
-    const int bottom = rowOf(place) >> tileBits;
-    const int top = (rowOf(place) + side - 1) >> tileBits;
-    for (int y = bottom; y <= top; ++y) {
-        const unsigned char* const tiles =
-            m_tiles.data() + static_cast<std::size_t>(y) * static_cast<std::size_t>(m_tileStride);
-        for (int x = left; x <= right; ++x) {
-            if (tiles[x] != 0) {
-                return true;
+    // A marker that begins in a tile reaches so many further.
+    const int reach = (side + tileSide - 2) >> tileBits;
+    const int tileRows = (picture.rows() >> tileBits) + 1;
+    for (int y = 0; y < tileRows; ++y) {
+        unsigned char* const tiles = m_tiles.data() + static_cast<std::ptrdiff_t>(y) * m_tileStride;
+        // Upward, so that what is read is not spread yet.
+        for (int above = 1; above <= reach && y + above < tileRows; ++above) {
+            for (int x = 0; x < m_tileStride; ++x) {
+                tiles[x] = static_cast<unsigned char>(tiles[x] | tiles[above * m_tileStride + x]);
+            }
+        }
+        for (int x = 0; x < m_tileStride; ++x) {
+            for (int right = 1; right <= reach && x + right < m_tileStride; ++right) {
+                tiles[x] = static_cast<unsigned char>(tiles[x] | tiles[x + right]);
             }
         }
     }
-    return false;
 }
 
 std::vector<int> PointRaster::evenRows(int first, int last) const
@@ -621,6 +635,7 @@ void PointRaster::paintRings(PixelPicture& picture, const Points& points, const 
         }
     });
 
+    spreadTiles(picture, side);
     const std::vector<int> borders =
         evenRows(picture.margin(), picture.margin() + picture.height());
     forEachAtOnce(borders.size() - 1, [&](std::size_t index) {
@@ -628,7 +643,7 @@ void PointRaster::paintRings(PixelPicture& picture, const Points& points, const 
         const int last = borders[index + 1];
         for (const std::uint32_t place : m_places) {
             const int row = rowOf(place);
-            if (row <= first - side || row >= last || !isSparseAt(place, side)) {
+            if (row <= first - side || row >= last || !isSparseAt(place)) {
                 continue;
             }
             for (int y = std::max(first, row); y < std::min(last, row + side); ++y) {
@@ -687,44 +702,96 @@ void PointRaster::paintColoredDiscs(
         }
         isOpaque = opacity == opaque;
     }
-    // What is opaque may be covered again; else each pixel gets either the average or its markers one by one.
-    stampColors(picture, points, stencil, colors, channels, isOpaque);
+    spreadTiles(picture, stencil.side());
+    sortByBand(picture, points, stencil.side(), colors, channels);
     if (isCrowded) {
-        sumColors(picture, points, colors, channels);
+        m_sums.resize(
+            static_cast<std::size_t>(picture.rows()) * static_cast<std::size_t>(m_stride));
+    }
+    forEachAtOnce(m_bandEnds.size(), [&](std::size_t band) {
+        if (isCrowded) {
+            sumColors(picture, band);
+        }
+        stampColors(picture, band, stencil, isOpaque);
+    });
+    // What is opaque has been covered; else each pixel gets either the average or its markers one by one.
+    if (isCrowded) {
         averageColors(picture, stencil);
     }
 }
 
-void PointRaster::sumColors(
-    const PixelPicture& picture, const Points& points, const unsigned char* colors, int channels)
+void PointRaster::sortByBand(
+    const PixelPicture& picture,
+    const Points& points,
+    int side,
+    const unsigned char* colors,
+    int channels)
 {
-    const int rows = picture.rows();
-    m_sums.resize(static_cast<std::size_t>(rows) * static_cast<std::size_t>(m_stride));
-    const std::vector<int> borders = evenRows(0, rows);
-    forEachAtOnce(borders.size() - 1, [&](std::size_t index) {
-        const auto first = static_cast<std::uint32_t>(borders[index]);
-        const auto height = static_cast<std::uint32_t>(borders[index + 1]) - first;
-        for (int y = borders[index]; y < borders[index + 1]; ++y) {
-            if (m_rowTotals[static_cast<std::size_t>(y)] > 0) {
-                const auto row = m_sums.begin() + static_cast<std::ptrdiff_t>(y) * m_stride;
-                std::fill(row, row + m_stride, std::array<std::uint32_t, 4>{});
+    const auto bandCount = static_cast<std::size_t>(picture.rows() >> bandBits) + 1;
+    const auto count = static_cast<vtkIdType>(m_places.size());
+    const std::uint32_t outside = outsideOf(picture.rows());
+    const auto forEachBand = [&](std::uint32_t place, auto&& function) {
+        if (place != outside) {
+            const int last = (rowOf(place) + side - 1) >> bandBits;
+            for (int band = rowOf(place) >> bandBits; band <= last; ++band) {
+                function(static_cast<std::size_t>(band));
             }
         }
-        const auto count = static_cast<vtkIdType>(m_places.size());
-        for (vtkIdType i = 0; i < count; ++i) {
-            const std::uint32_t place = m_places[static_cast<std::size_t>(i)];
-            if ((place >> 16U) - first >= height) {
-                continue;
-            }
-            const unsigned char* const color =
-                colors + channels * (points.rows == nullptr ? i : points.rows[i]);
-            std::array<std::uint32_t, 4>& sums = m_sums[indexOf(place, m_stride)];
-            sums[0] += color[0];
-            sums[1] += color[1];
-            sums[2] += color[2];
-            sums[3] += channels > 3 ? color[3] : opaque;
+    };
+    const auto firstOf = [&](std::size_t part) {
+        return count * static_cast<vtkIdType>(part) / static_cast<vtkIdType>(m_partCount);
+    };
+    // First how many each thread finds for each band, then where they go: in the order of the points.
+    forEachAtOnce(m_partCount, [&](std::size_t index) {
+        std::vector<std::size_t>& next = m_parts[index].next;
+        next.assign(bandCount, 0);
+        for (vtkIdType i = firstOf(index); i < firstOf(index + 1); ++i) {
+            forEachBand(
+                m_places[static_cast<std::size_t>(i)], [&](std::size_t band) { ++next[band]; });
         }
     });
+    m_bandEnds.resize(bandCount);
+    std::size_t end = 0;
+    for (std::size_t band = 0; band < bandCount; ++band) {
+        for (std::size_t index = 0; index < m_partCount; ++index) {
+            end += std::exchange(m_parts[index].next[band], end);
+        }
+        m_bandEnds[band] = end;
+    }
+    if (m_colored.size() < end) {
+        m_colored.resize(end);
+    }
+    forEachAtOnce(m_partCount, [&](std::size_t index) {
+        std::vector<std::size_t>& next = m_parts[index].next;
+        for (vtkIdType i = firstOf(index); i < firstOf(index + 1); ++i) {
+            const std::uint32_t place = m_places[static_cast<std::size_t>(i)];
+            if (place == outside) {
+                continue;
+            }
+            const std::uint32_t color = bytesOf(
+                colors + channels * (points.rows == nullptr ? i : points.rows[i]), channels);
+            forEachBand(place, [&](std::size_t band) { m_colored[next[band]++] = {place, color}; });
+        }
+    });
+}
+
+void PointRaster::sumColors(const PixelPicture& picture, std::size_t band)
+{
+    const int first = static_cast<int>(band) << bandBits;
+    const int last = std::min(picture.rows(), first + (1 << bandBits));
+    for (int y = first; y < last; ++y) {
+        if (m_rowTotals[static_cast<std::size_t>(y)] > 0) {
+            const auto row = m_sums.begin() + static_cast<std::ptrdiff_t>(y) * m_stride;
+            std::fill(row, row + m_stride, std::array<std::uint32_t, 4>{});
+        }
+    }
+    for (std::size_t i = band == 0 ? 0 : m_bandEnds[band - 1]; i < m_bandEnds[band]; ++i) {
+        const Colored point = m_colored[i];
+        // Those that only reach into this band belong to another.
+        if (rowOf(point.place) >= first) {
+            addTo(m_sums[indexOf(point.place, m_stride)], point.color);
+        }
+    }
 }
 
 void PointRaster::averageColors(PixelPicture& picture, const MarkerStencil& stencil)
@@ -780,49 +847,38 @@ void PointRaster::averageColors(PixelPicture& picture, const MarkerStencil& sten
 }
 
 void PointRaster::stampColors(
-    PixelPicture& picture,
-    const Points& points,
-    const MarkerStencil& stencil,
-    const unsigned char* colors,
-    int channels,
-    bool isOpaque)
+    PixelPicture& picture, std::size_t band, const MarkerStencil& stencil, bool isOpaque)
 {
-    const int side = stencil.side();
-    const std::vector<int> borders =
-        evenRows(picture.margin(), picture.margin() + picture.height());
-    forEachAtOnce(borders.size() - 1, [&](std::size_t index) {
-        const int first = borders[index];
-        const int last = borders[index + 1];
-        const auto count = static_cast<vtkIdType>(m_places.size());
-        for (vtkIdType i = 0; i < count; ++i) {
-            const std::uint32_t place = m_places[static_cast<std::size_t>(i)];
-            const int row = rowOf(place);
-            if (row <= first - side || row >= last || !isSparseAt(place, side)) {
+    const int first = std::max(picture.margin(), static_cast<int>(band) << bandBits);
+    const int last =
+        std::min(picture.margin() + picture.height(), (static_cast<int>(band) + 1) << bandBits);
+    for (std::size_t i = band == 0 ? 0 : m_bandEnds[band - 1]; i < m_bandEnds[band]; ++i) {
+        const Colored point = m_colored[i];
+        if (!isSparseAt(point.place)) {
+            continue;
+        }
+        const std::uint32_t color = scaled(point.color | opaque << 24U, point.color >> 24U);
+        const int row = rowOf(point.place);
+        for (const MarkerStencil::Run& run : stencil.runs()) {
+            const int y = row + run.y;
+            if (y < first || y >= last) {
                 continue;
             }
-            const std::uint32_t color = premultiplied(
-                colors + channels * (points.rows == nullptr ? i : points.rows[i]), channels);
-            for (const MarkerStencil::Run& run : stencil.runs()) {
-                const int y = row + run.y;
-                if (y < first || y >= last) {
-                    continue;
-                }
-                std::uint32_t* const pixels = picture.row(y) + columnOf(place);
-                if (isOpaque) {
-                    for (int x = run.begin; x < run.end; ++x) {
-                        pixels[x] = color;
-                    }
-                    continue;
-                }
-                const std::uint16_t* const marks = m_overlap.data()
-                    + static_cast<std::size_t>(y) * static_cast<std::size_t>(m_stride)
-                    + columnOf(place);
+            std::uint32_t* const pixels = picture.row(y) + columnOf(point.place);
+            if (isOpaque) {
                 for (int x = run.begin; x < run.end; ++x) {
-                    if (marks[x] <= threshold) {
-                        pixels[x] = over(color, pixels[x]);
-                    }
+                    pixels[x] = color;
+                }
+                continue;
+            }
+            const std::uint16_t* const marks = m_overlap.data()
+                + static_cast<std::size_t>(y) * static_cast<std::size_t>(m_stride)
+                + columnOf(point.place);
+            for (int x = run.begin; x < run.end; ++x) {
+                if (marks[x] <= threshold) {
+                    pixels[x] = over(color, pixels[x]);
                 }
             }
         }
-    });
+    }
 }

@@ -100,25 +100,38 @@ private:
     struct Part;
     struct Band;
 
+    struct Colored
+    {
+        std::uint32_t place;
+        std::uint32_t color;
+    };
+
     void placePoints(
         const PixelPicture& picture, const Points& points, const MarkerStencil& stencil);
     void prepareBands(const PixelPicture& picture, int side);
     void prepareTiles(const PixelPicture& picture);
     void noteOverlap(int y, int begin, int end, const std::uint32_t* overlap);
-    [[nodiscard]] bool isSparseAt(std::uint32_t place, int side) const;
+    void spreadTiles(const PixelPicture& picture, int side);
+
+    /// Whether a marker at \p place can cover pixels with few markers.
+    [[nodiscard]] bool isSparseAt(std::uint32_t place) const
+    {
+        return m_tiles
+                   [static_cast<std::size_t>(place >> 19U) * static_cast<std::size_t>(m_tileStride)
+                    + ((place & 0xFFFFU) >> 3U)]
+            != 0;
+    }
+
     [[nodiscard]] std::vector<int> evenRows(int first, int last) const;
-    void sumColors(
+    void sortByBand(
         const PixelPicture& picture,
         const Points& points,
+        int side,
         const unsigned char* colors,
         int channels);
+    void sumColors(const PixelPicture& picture, std::size_t band);
     void stampColors(
-        PixelPicture& picture,
-        const Points& points,
-        const MarkerStencil& stencil,
-        const unsigned char* colors,
-        int channels,
-        bool isOpaque);
+        PixelPicture& picture, std::size_t band, const MarkerStencil& stencil, bool isOpaque);
     void averageColors(PixelPicture& picture, const MarkerStencil& stencil);
 
     int m_stride = 0;
@@ -131,5 +144,8 @@ private:
     std::vector<unsigned char> m_tiles; ///< whether one has pixels with few markers
     int m_tileStride = 0;
     std::vector<std::uint32_t> m_rowTotals; ///< points by row
+    std::vector<Colored>
+        m_colored; ///< painted points by bands of rows that they reach into, else in their order
+    std::vector<std::size_t> m_bandEnds; ///< in m_colored
     std::vector<std::array<std::uint32_t, 4>> m_sums; ///< of the colors of the points at each pixel
 };

@@ -15,7 +15,7 @@
 
 /// A plot of points, \p Plot being vtkPlotPoints or derived from it, that paints very many points as one picture.
 ///
-/// Below rasterThreshold points, and where no picture can be painted (other markers than circles, painters that do not
+/// Below setRasterThreshold() points, and where no picture can be painted (other markers than circles, painters that do not
 /// draw with OpenGL), everything is as in \p Plot. A picture of points looks as \p Plot does wherever no more than
 /// OverlapColors::threshold points lie over one another; see there and PointRaster for what becomes of the others.
 template <class Plot>
@@ -24,11 +24,13 @@ class RasterPlot
     , public PointSearchInterface
 {
 public:
-    /// From so many points on they are painted as a picture.
-    static constexpr vtkIdType rasterThreshold = 4096;
+    /// From so many points on they are painted as a picture by default: as many as take VTK longer, whatever their look.
+    static constexpr vtkIdType defaultRasterThreshold = 12000;
 
     RasterPlot(const RasterPlot&) = delete;
     RasterPlot& operator=(const RasterPlot&) = delete;
+
+    void setRasterThreshold(vtkIdType count) { m_rasterThreshold = count; }
 
     void setDeepening(OverlapColors::Deepening deepening) { m_deepening = deepening; }
 
@@ -117,7 +119,7 @@ protected:
 private:
     [[nodiscard]] bool hasManyPoints() const
     {
-        return this->Points != nullptr && this->Points->GetNumberOfPoints() >= rasterThreshold;
+        return this->Points != nullptr && this->Points->GetNumberOfPoints() >= m_rasterThreshold;
     }
 
     [[nodiscard]] PointCellIndex::Box view()
@@ -143,6 +145,7 @@ private:
             && PointsPainter::canPaint(painter, drawnMarkerSize());
     }
 
+    vtkIdType m_rasterThreshold = defaultRasterThreshold;
     PointsPainter m_painter;
     PointSearch m_search;
     OverlapColors::Deepening m_deepening = OverlapColors::Deepening::Darker;
