@@ -18,14 +18,14 @@ UndoableSelectionModel::UndoableSelectionModel()
 
 UndoableSelectionModel::~UndoableSelectionModel() = default;
 
-void UndoableSelectionModel::record(const Cases& cases)
+void UndoableSelectionModel::record(const SharedCases& cases)
 {
-    const Cases before = std::exchange(m_cases, cases);
+    const SharedCases before = std::exchange(m_cases, cases);
     // While an undo or redo runs, or recording is suspended, the stack forgets the entry.
     UndoStack::push(std::make_unique<SelectionChange>(
         before,
         m_cases,
-        [this](const Cases& shown) { takeCases(shown); },
+        [this](const SharedCases& shown) { takeCases(shown); },
         m_deleteSignaler,
         m_undoId,
         m_gesture.number()));

@@ -25,12 +25,12 @@ public:
 
 private:
     /// Puts the change from m_cases to \p cases, which has happened, on the undo stack.
-    void record(const Cases& cases);
+    void record(const SharedCases& cases);
 
     DeleteSignaler m_deleteSignaler;
     InputGesture m_gesture;
     int m_undoId;
-    Cases m_cases; ///< always what is selected
+    SharedCases m_cases; ///< always what is selected
     SignalConnectionCollection m_connections;
 };
 

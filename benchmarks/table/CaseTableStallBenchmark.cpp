@@ -52,7 +52,7 @@ class Table
 public:
     explicit Table(vtkIdType rowCount)
         : m_selection(
-              filled(m_model, rowCount), boost::make_shared<analyzer::UndoableSelectionModel>())
+            filled(m_model, rowCount), boost::make_shared<analyzer::UndoableSelectionModel>())
         , m_widget(m_model, m_selection, boost::make_shared<analyzer::HoveredCase>())
     {
         m_widget.resize(800, 600);

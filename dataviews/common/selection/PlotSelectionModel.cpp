@@ -35,18 +35,18 @@ void PlotSelectionModel::setSelection(const std::set<unsigned long long>& cases)
 
 PlotSelectionModel::~PlotSelectionModel() = default;
 
-SelectionModelInterface::Cases PlotSelectionModel::cases() const
+SelectionModelInterface::SharedCases PlotSelectionModel::cases() const
 {
     return m_master->cases();
 }
 
-void PlotSelectionModel::takeCases(const Cases& cases)
+void PlotSelectionModel::takeCases(const SharedCases& cases)
 {
     if (m_interactor->GetControlKey() == 0) {
         m_master->takeCases(cases);
         return;
     }
-    const Cases selection = m_master->cases();
+    const SharedCases selection = m_master->cases();
     m_master->takeCases(boost::make_shared<const CaseSet>(
         cases->size() == 1 ? CaseSet::symmetricDifference(*selection, *cases)
                            : CaseSet::united(*selection, *cases)));

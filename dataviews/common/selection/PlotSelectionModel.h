@@ -36,8 +36,8 @@ public:
 
     ~PlotSelectionModel() override;
 
-    [[nodiscard]] Cases cases() const override;
-    void takeCases(const Cases& cases) override;
+    [[nodiscard]] SharedCases cases() const override;
+    void takeCases(const SharedCases& cases) override;
 
 private:
     void masterSelectionModelChanged(const CaseSelection& selection);

@@ -8,7 +8,7 @@ CaseSelection::CaseSelection()
     : CaseSelection(boost::make_shared<const CaseSet>())
 {}
 
-CaseSelection::CaseSelection(Cases cases)
+CaseSelection::CaseSelection(SharedCases cases)
     : m_cases(std::move(cases))
 {}
 
@@ -18,7 +18,7 @@ CaseSelection::CaseSelection(const std::set<unsigned long long>& cases)
 
 CaseSelection::~CaseSelection() = default;
 
-void CaseSelection::reset(Cases cases)
+void CaseSelection::reset(SharedCases cases)
 {
     m_cases = std::move(cases);
     m_given = nullptr;
@@ -27,7 +27,7 @@ void CaseSelection::reset(Cases cases)
     }
 }
 
-const CaseSelection::Cases& CaseSelection::cases() const
+const CaseSelection::SharedCases& CaseSelection::cases() const
 {
     if (!m_cases) {
         m_cases = boost::make_shared<const CaseSet>(*m_given);

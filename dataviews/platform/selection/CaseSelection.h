@@ -15,12 +15,12 @@
 class DATAVIEWS_PLATFORM_SELECTION_EXPORT CaseSelection
 {
 public:
-    using Cases = boost::shared_ptr<const CaseSet>;
+    using SharedCases = boost::shared_ptr<const CaseSet>;
 
     CaseSelection();
 
     /// \p cases is not null.
-    explicit CaseSelection(Cases cases);
+    explicit CaseSelection(SharedCases cases);
 
     /// Refers to \p cases, which stay as they are as long as this lives.
     explicit CaseSelection(const std::set<unsigned long long>& cases);
@@ -29,10 +29,10 @@ public:
     ~CaseSelection();
 
     /// Becomes \p cases, not null. A set that was given out becomes the new one too and stays in its place.
-    void reset(Cases cases);
+    void reset(SharedCases cases);
 
     /// Never null; shared with whoever keeps it.
-    [[nodiscard]] const Cases& cases() const;
+    [[nodiscard]] const SharedCases& cases() const;
 
     [[nodiscard]] const CaseSet* operator->() const { return cases().get(); }
 
@@ -42,7 +42,7 @@ public:
     operator const std::set<unsigned long long>&() const; // NOLINT(google-explicit-constructor)
 
 private:
-    mutable Cases m_cases; ///< null until asked for, if a set is given
+    mutable SharedCases m_cases; ///< null until asked for, if a set is given
     const std::set<unsigned long long>* m_given = nullptr;
     mutable std::set<unsigned long long> m_set;
     mutable bool m_hasSet = false;

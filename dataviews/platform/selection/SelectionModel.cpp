@@ -14,12 +14,12 @@ void SelectionModel::setSelection(const std::set<unsigned long long>& cases)
     SelectionModel::takeCases(boost::make_shared<const CaseSet>(cases));
 }
 
-SelectionModel::Cases SelectionModel::cases() const
+SelectionModel::SharedCases SelectionModel::cases() const
 {
     return m_selection.cases();
 }
 
-void SelectionModel::takeCases(const Cases& cases)
+void SelectionModel::takeCases(const SharedCases& cases)
 {
     if (*cases == *m_selection) {
         return;

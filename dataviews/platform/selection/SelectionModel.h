@@ -19,8 +19,8 @@ public:
     void setSelection(const std::set<unsigned long long>& cases) override;
 
     /// What was selected before is still shared by whoever keeps it.
-    [[nodiscard]] Cases cases() const override;
-    void takeCases(const Cases& cases) override;
+    [[nodiscard]] SharedCases cases() const override;
+    void takeCases(const SharedCases& cases) override;
 
 private:
     CaseSelection m_selection;

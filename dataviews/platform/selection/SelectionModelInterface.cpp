@@ -13,12 +13,12 @@ void SelectionModelInterface::takeSelection(std::set<unsigned long long>&& cases
     setSelection(cases);
 }
 
-SelectionModelInterface::Cases SelectionModelInterface::cases() const
+SelectionModelInterface::SharedCases SelectionModelInterface::cases() const
 {
     return boost::make_shared<const CaseSet>(getSelections());
 }
 
-void SelectionModelInterface::takeCases(const Cases& cases)
+void SelectionModelInterface::takeCases(const SharedCases& cases)
 {
     setSelection(cases->toSet());
 }

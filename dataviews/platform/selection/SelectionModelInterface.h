@@ -15,7 +15,7 @@
 class DATAVIEWS_PLATFORM_SELECTION_EXPORT SelectionModelInterface
 {
 public:
-    using Cases = boost::shared_ptr<const CaseSet>;
+    using SharedCases = boost::shared_ptr<const CaseSet>;
 
     SelectionModelInterface();
     SelectionModelInterface(const SelectionModelInterface&) = delete;
@@ -32,10 +32,10 @@ public:
     virtual void takeSelection(std::set<unsigned long long>&& cases);
 
     /// What getSelections() gives, never null. By default made of that.
-    [[nodiscard]] virtual Cases cases() const;
+    [[nodiscard]] virtual SharedCases cases() const;
 
     /// As setSelection(), for \p cases, not null, that the model may keep. By default hands them to setSelection().
-    virtual void takeCases(const Cases& cases);
+    virtual void takeCases(const SharedCases& cases);
 
     /// The selection changed; carries the new one. A slot may take a `const std::set<unsigned long long>&` as well.
     Signal<void(const CaseSelection&), SelectionModelInterface> signalSelectionChanged;

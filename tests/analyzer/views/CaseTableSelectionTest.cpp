@@ -184,8 +184,8 @@ TEST_F(CaseTableSelectionTest, AFailingListenerLeavesItInStepAndListening)
 
     EXPECT_THROW(m_selection.selectOnly(2), std::runtime_error);
     EXPECT_EQ(m_selection.rows(), [this] {
-        std::vector<unsigned long long> unknown;
-        return m_model.cases().rows(m_master->getSelections(), unknown);
+        CaseSet unknown;
+        return m_model.cases().rows(*m_master->cases(), unknown);
     }());
 
     failing.disconnect();

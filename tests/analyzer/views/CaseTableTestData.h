@@ -66,10 +66,10 @@ public:
         SelectionModel::setSelection(cases);
     }
 
-    void takeSelection(Cases&& cases) override
+    void takeCases(const SharedCases& cases) override
     {
         ++writes;
-        SelectionModel::takeSelection(std::move(cases));
+        SelectionModel::takeCases(cases);
     }
 
     int writes = 0;
