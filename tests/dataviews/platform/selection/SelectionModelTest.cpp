@@ -100,7 +100,7 @@ TEST(SelectionModelTest, TellsEachListenerInItsForm)
 {
     SelectionModel model;
     std::vector<Cases> sets;
-    std::vector<SelectionModelInterface::Cases> shared;
+    std::vector<SelectionModelInterface::SharedCases> shared;
     model.signalSelectionChanged.connect([&](const CaseSelection& selection) {
         shared.push_back(selection.cases());
         if (selection->contains(1)) {
