@@ -1,3 +1,4 @@
+#include <analyzer/views/CaseTableOrder.h>
 #include <analyzer/views/LinePlotView.h>
 #include <analyzer/views/NumberSetting.h>
 #include <analyzer/views/VariableSetting.h>
@@ -22,7 +23,6 @@
 #include <boost/make_shared.hpp>
 
 #include <algorithm>
-#include <numeric>
 #include <type_traits>
 
 namespace analyzer {
@@ -38,18 +38,15 @@ bool canBeSeries(const Variable& variable)
     return !variable.isNumeric() || CaseCategories::canDivideBy(variable);
 }
 
-/// Brings \p rows into the order of their values in \p column, one of numbers; equal ones keep theirs.
-void sortBy(vtkAbstractArray* column, std::vector<vtkIdType>& rows)
+/// The rows of \p column, one of numbers, in the order of their values; equal ones keep theirs.
+CaseTableOrder orderOf(vtkAbstractArray& column)
 {
-    withNumbers(column, [&rows](const auto* values) {
-        const auto isLess = [values](vtkIdType left, vtkIdType right) {
-            return values[left] < values[right];
-        };
-        // As it mostly is where X is a time.
-        if (!std::is_sorted(rows.begin(), rows.end(), isLess)) {
-            std::stable_sort(rows.begin(), rows.end(), isLess);
-        }
+    bool isSorted = true;
+    withNumbers(&column, [&](const auto* values) {
+        isSorted = std::is_sorted(values, values + column.GetNumberOfTuples());
     });
+    // As it mostly is where X is a time.
+    return isSorted ? CaseTableOrder() : CaseTableOrder::sorted(column, Qt::AscendingOrder);
 }
 
 /// The values of \p column, one of numbers, in \p rows.
@@ -147,16 +144,15 @@ void LinePlotView::showTable(vtkTable& table)
         table.GetColumnByName(variableName(xVariableProperty()->value()).c_str());
     vtkAbstractArray* const y =
         table.GetColumnByName(variableName(yVariableProperty()->value()).c_str());
-    std::vector<std::vector<vtkIdType>> rowsOf = rowsOfSeries(table);
+    // Cases with the same X stay in the order of the study.
+    const std::vector<std::vector<vtkIdType>> rowsOf = rowsOfSeries(table, orderOf(*x));
     for (std::size_t i = 0; i < m_lines.size(); ++i) {
-        std::vector<vtkIdType>& rows = rowsOf[i];
+        const std::vector<vtkIdType>& rows = rowsOf[i];
         RingedPlotLine& line = *m_lines[i];
         line.SetVisible(!rows.empty());
         if (rows.empty()) {
             continue;
         }
-        // Cases with the same X stay in the order of the study.
-        sortBy(x, rows);
         const vtkNew<vtkTable> cases;
         for (vtkAbstractArray* column : {caseIDs, x}) {
             cases->AddColumn(valuesIn(column, rows));
@@ -268,17 +264,29 @@ void LinePlotView::updateSeries()
     }
 }
 
-std::vector<std::vector<vtkIdType>> LinePlotView::rowsOfSeries(vtkTable& table) const
+std::vector<std::vector<vtkIdType>> LinePlotView::rowsOfSeries(
+    vtkTable& table, const CaseTableOrder& order) const
 {
     std::vector<std::vector<vtkIdType>> rowsOf(m_lines.size());
+    const int rowCount = static_cast<int>(table.GetNumberOfRows());
     if (m_series) {
-        vtkIdType row = 0;
-        for (const std::uint8_t series : m_series->ofCases(table)) {
-            rowsOf[series].push_back(row++);
+        const std::vector<std::uint8_t> seriesOf = m_series->ofCases(table);
+        std::vector<std::size_t> counts(m_lines.size());
+        for (const std::uint8_t series : seriesOf) {
+            ++counts[series];
+        }
+        for (std::size_t series = 0; series < counts.size(); ++series) {
+            rowsOf[series].reserve(counts[series]);
+        }
+        for (int i = 0; i < rowCount; ++i) {
+            const int row = order.tableRow(i);
+            rowsOf[seriesOf[static_cast<std::size_t>(row)]].push_back(row);
         }
     } else {
-        rowsOf.front().resize(static_cast<std::size_t>(table.GetNumberOfRows()));
-        std::iota(rowsOf.front().begin(), rowsOf.front().end(), vtkIdType(0));
+        rowsOf.front().reserve(static_cast<std::size_t>(rowCount));
+        for (int i = 0; i < rowCount; ++i) {
+            rowsOf.front().push_back(order.tableRow(i));
+        }
     }
     return rowsOf;
 }

@@ -22,6 +22,8 @@ class vtkLookupTable;
 
 namespace analyzer {
 
+class CaseTableOrder;
+
 /// A line chart: a series for each value of a variable of few values, with its cases in the order of X.
 ///
 /// Series of numbers are colored by a palette, from the smallest to the largest; series of texts in colors of their own.
@@ -64,7 +66,9 @@ private:
     void addSettings();
     void chooseSeries(const WeakPtr<Variable>& variable) const;
     void updateSeries();
-    [[nodiscard]] std::vector<std::vector<vtkIdType>> rowsOfSeries(vtkTable& table) const;
+    /// The rows of \p table of each line, in \p order.
+    [[nodiscard]] std::vector<std::vector<vtkIdType>> rowsOfSeries(
+        vtkTable& table, const CaseTableOrder& order) const;
     [[nodiscard]] std::string seriesName(std::size_t series) const;
     /// \p palette has the range 0 to 1.
     [[nodiscard]] ColorBytes seriesColor(
