@@ -69,6 +69,7 @@ public:
         if (job == Job::Colored) {
             const vtkNew<vtkLookupTable> colors;
             colors->SetRange(-2.0, 2.0);
+            colors->Build(); // Plots do not.
             m_plot->SetLookupTable(colors);
             m_plot->SelectColorArray(vtkStdString("color"));
             m_plot->ScalarVisibilityOn();
@@ -248,7 +249,7 @@ void sizes(benchmark::internal::Benchmark* registered)
 template <class Function>
 void add(const std::string& name, Function function, benchmark::TimeUnit unit)
 {
-    benchmark::RegisterBenchmark(name.c_str(), function)->Apply(sizes)->Unit(unit)->UseRealTime();
+    benchmark::RegisterBenchmark(name.c_str(), function)->Apply(sizes)->Unit(unit);
 }
 
 template <class Plot>

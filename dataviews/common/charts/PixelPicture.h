@@ -45,8 +45,8 @@ public:
 
     [[nodiscard]] bool operator==(const PixelPicture& other) const
     {
-        return m_width == other.m_width && m_height == other.m_height
-            && m_margin == other.m_margin && m_pixels == other.m_pixels;
+        return m_width == other.m_width && m_height == other.m_height && m_margin == other.m_margin
+            && m_pixels == other.m_pixels;
     }
 
 private:
