@@ -4,16 +4,12 @@
 
 #include <vtkSmartPointer.h>
 
-#include <vector>
-
 class PixelPicture;
 class vtkOpenGLRenderWindow;
 class vtkTextureObject;
 
 /// A picture in the memory of OpenGL, drawn pixel by pixel.
 ///
-/// Only patches with something in them are brought there and drawn: where OpenGL works without a graphics card, that takes
-/// most of the time.
 /// Used while the context of its window is current. Gives back what it holds there when the window goes or changes.
 class DATAVIEWS_CHARTS_EXPORT PictureTexture
 {
@@ -34,17 +30,8 @@ public:
     void draw(int x, int y);
 
 private:
-    /// A rectangle of pixels, counted from the lower left corner inside of the margin.
-    struct Patch
-    {
-        int left;
-        int right; ///< the first column behind
-        int bottom;
-        int top; ///< the first row above
-    };
-
-    void findPatches(const PixelPicture& picture);
-
     vtkSmartPointer<vtkTextureObject> m_texture;
-    std::vector<Patch> m_patches;
+    int m_width = 0;
+    int m_height = 0;
+    int m_margin = 0;
 };
