@@ -69,6 +69,7 @@ public:
         if (job == Job::Colored) {
             const vtkNew<vtkLookupTable> colors;
             colors->SetRange(-2.0, 2.0);
+            colors->Build(); // Plots do not.
             m_plot->SetLookupTable(colors);
             m_plot->SelectColorArray(vtkStdString("color"));
             m_plot->ScalarVisibilityOn();
@@ -84,12 +85,12 @@ public:
 
     ~PointsChart() { m_chart->RemovePlotInstance(m_plot); }
 
-    /// Moves the view by \p shift, in units of the axis.
-    void setRange(double shift)
+    /// Moves the view by \p shift and makes it \p half as wide to each side, in units of the axis.
+    void setRange(double shift, double half = 5.0)
     {
         for (const int axis : {vtkAxis::BOTTOM, vtkAxis::LEFT}) {
             m_chart->GetAxis(axis)->SetBehavior(vtkAxis::FIXED);
-            m_chart->GetAxis(axis)->SetRange(shift - 5.0, shift + 5.0);
+            m_chart->GetAxis(axis)->SetRange(shift - half, shift + half);
         }
     }
 
@@ -174,9 +175,9 @@ void paint(benchmark::State& state, Job job)
     }
 }
 
-/// Pictures while the view is moved, about two pixels each.
+/// Pictures while the view is moved, about two pixels each, or zoomed in by a hundredth each.
 template <class Plot>
-void pan(benchmark::State& state)
+void move(benchmark::State& state, bool zooms)
 {
     if (isWithoutDisplay(state)) {
         return;
@@ -185,11 +186,14 @@ void pan(benchmark::State& state)
     chart.select(0);
     std::int64_t step = 0;
     for (auto _ : state) {
-        chart.setRange(0.02 * static_cast<double>(++step % 50));
+        const auto distance = static_cast<double>(++step % 50);
+        if (zooms) {
+            chart.setRange(0.0, 5.0 - 0.05 * distance);
+        } else {
+            chart.setRange(0.02 * distance);
+        }
         chart.render();
     }
-    state.counters["frames"] =
-        benchmark::Counter(static_cast<double>(state.iterations()), benchmark::Counter::kIsRate);
 }
 
 /// The points near places all over the view; \p isFirst asks after each move of the view, so that the index is made anew.
@@ -242,13 +246,13 @@ void hoverPlainly(benchmark::State& state)
 
 void sizes(benchmark::internal::Benchmark* registered)
 {
-    registered->ArgName("points")->RangeMultiplier(10)->Range(10000, 1000000);
+    registered->ArgName("points")->Arg(5000)->Arg(10000)->Arg(100000)->Arg(1000000);
 }
 
 template <class Function>
 void add(const std::string& name, Function function, benchmark::TimeUnit unit)
 {
-    benchmark::RegisterBenchmark(name.c_str(), function)->Apply(sizes)->Unit(unit)->UseRealTime();
+    benchmark::RegisterBenchmark(name.c_str(), function)->Apply(sizes)->Unit(unit);
 }
 
 template <class Plot>
@@ -271,6 +275,16 @@ void addPaint(const std::string& variant)
     }
 }
 
+template <class Plot>
+void addMove(const std::string& variant)
+{
+    for (const bool zooms : {false, true}) {
+        add((zooms ? "points/zoom/" : "points/pan/") + variant,
+            [zooms](benchmark::State& state) { move<Plot>(state, zooms); },
+            benchmark::kMillisecond);
+    }
+}
+
 const bool isRegistered = [] {
     addPaint<RasterPlotPoints>("ours");
     addPaint<vtkPlotPoints>("plain");
@@ -285,8 +299,9 @@ const bool isRegistered = [] {
     add("points/paint_rings/plain",
         rings(static_cast<PlainRings*>(nullptr)),
         benchmark::kMillisecond);
-    add("points/pan/ours", &pan<RasterPlotPoints>, benchmark::kMillisecond);
-    add("points/pan/plain", &pan<vtkPlotPoints>, benchmark::kMillisecond);
+    addMove<RasterPlotPoints>("ours");
+    addMove<vtkPlotPoints>("plain");
+    addMove<NoPoints>("floor");
     add(
         "points/hover/ours",
         [](benchmark::State& state) { hover(state, false); },

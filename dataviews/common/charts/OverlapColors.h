@@ -34,6 +34,10 @@ public:
     /// \p opacity is that of a single point, from 0 to 255.
     OverlapColors(const ColorBytes& color, unsigned char opacity, Deepening deepening);
 
+    /// Nothing up to threshold, and from there on \p color over what is below, less and less translucent: shows where
+    /// points are that are too many to be told apart by what is around each.
+    [[nodiscard]] static OverlapColors veil(const ColorBytes& color);
+
     /// 1 - (1 - \p opacity)^\p count, with opacities from 0 to 255.
     [[nodiscard]] static unsigned char opacityOf(double opacity, std::uint32_t count);
 
@@ -44,5 +48,7 @@ public:
     }
 
 private:
-    std::array<std::uint32_t, most + 1> m_colors;
+    OverlapColors() = default;
+
+    std::array<std::uint32_t, most + 1> m_colors = {};
 };

@@ -230,5 +230,7 @@ bool PointsPainter::paintMarks(const MarkKey& key, const Look& look, bool isPlai
     } else {
         m_raster.paintDiscs(m_marked, points, stencil, overlapColors(*look.pen, look.deepening));
     }
+    // In a crowd the discs of one another cover all rings.
+    m_raster.paintDiscs(m_marked, points, stencil, OverlapColors::veil(look.ring->colors().ring));
     return true;
 }
