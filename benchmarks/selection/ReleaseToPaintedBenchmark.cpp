@@ -124,8 +124,6 @@ public:
         layout->addWidget(&m_table->widget(), 1, 1);
         watch(m_charts[0]->widget());
         watch(m_charts[1]->widget());
-        watch(*m_images->imageTable().grid().viewport());
-        watch(*m_table->table().viewport());
         m_window.resize(1600, 1000);
         forgetPaintings();
         m_window.show();
@@ -211,6 +209,8 @@ private:
         while (!std::all_of(m_isPainted.begin(), m_isPainted.end(), isPainted)) {
             QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
         }
+        // Grid and table are painted with the charts if the selection shows in them at all.
+        QCoreApplication::processEvents();
     }
 
     [[nodiscard]] QPoint place(double x, double y) const
