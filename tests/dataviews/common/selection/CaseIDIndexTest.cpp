@@ -61,7 +61,9 @@ std::vector<std::pair<std::string, std::vector<int>>> numberings(std::mt19937& r
     std::vector<int> acrossZero(count);
     std::iota(acrossZero.begin(), acrossZero.end(), -count / 2);
     std::vector<int> atTheEnd(count);
-    std::iota(atTheEnd.begin(), atTheEnd.end(), std::numeric_limits<int>::max() - count + 1);
+    for (int i = 0; i < count; ++i) {
+        atTheEnd[static_cast<std::size_t>(i)] = std::numeric_limits<int>::max() - (count - 1 - i);
+    }
     std::vector<int> shuffled = dense;
     std::shuffle(shuffled.begin(), shuffled.end(), random);
     std::vector<int> filtered;
