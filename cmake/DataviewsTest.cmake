@@ -8,6 +8,8 @@ function(dataviews_test NAME)
     set_target_properties(${NAME} PROPERTIES AUTOMOC ${TEST_GUI})
     target_include_directories(${NAME} PRIVATE ${PROJECT_SOURCE_DIR})
     target_link_libraries(${NAME} PRIVATE ${TEST_LIBRARIES} dataviews_options)
+    # What is tested is optimised; of the tests themselves that would be most of the time to build everything.
+    target_compile_options(${NAME} PRIVATE $<$<CONFIG:RelWithDebInfo>:-O0>)
     if(TEST_GUI)
         target_link_libraries(${NAME} PRIVATE dataviews_test_gui_main Qt5::Test)
     else()

@@ -307,10 +307,10 @@ void ChartViewAbstract::start(
         m_chart,
         m_view->GetInteractor(),
         boost::make_shared<PlotSelectionModel>(m_view->GetInteractor(), m_selection));
-    m_selectedCount = m_selection->getSelections().size();
-    m_selectedCountConnection = m_selection->signalSelectionChanged.connect(
-        [this](const std::set<unsigned long long>& selection) {
-            m_selectedCount = selection.size();
+    m_selectedCount = m_selection->cases()->size();
+    m_selectedCountConnection =
+        m_selection->signalSelectionChanged.connect([this](const CaseSelection& selection) {
+            m_selectedCount = selection->size();
             m_band->forgetCases();
         });
     m_band = std::make_unique<ChartBand>(

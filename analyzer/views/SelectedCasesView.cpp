@@ -18,6 +18,7 @@
 #include <dataviews/platform/data/Project.h>
 #include <dataviews/platform/data/RowBitmap.h>
 #include <dataviews/platform/pipeline/DataPipelineManagerInterface.h>
+#include <dataviews/platform/selection/CaseSet.h>
 #include <dataviews/platform/selection/SelectionModelInterface.h>
 #include <dataviews/platform/serialize/Serializer.h>
 #include <dataviews/platform/undo/UndoStack.h>
@@ -27,6 +28,8 @@
 
 #include <vtkAbstractArray.h>
 #include <vtkTable.h>
+
+#include <boost/make_shared.hpp>
 
 #include <algorithm>
 #include <utility>
@@ -438,9 +441,11 @@ void SelectedCasesView::addContextActions(QMenu& menu)
 
 void SelectedCasesView::removeFromSelection(unsigned long long caseID)
 {
-    std::set<unsigned long long> selection = selectionModel().getSelections();
-    selection.erase(caseID);
-    selectionModel().takeSelection(std::move(selection));
+    const boost::shared_ptr<const CaseSet> selection = selectionModel().cases();
+    if (selection->contains(caseID)) {
+        selectionModel().takeCases(boost::make_shared<const CaseSet>(
+            CaseSet::symmetricDifference(*selection, CaseSet::ofSorted({caseID}))));
+    }
 }
 
 } // namespace analyzer

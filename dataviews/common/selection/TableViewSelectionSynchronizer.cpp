@@ -38,7 +38,7 @@ TableViewSelectionSynchronizer::TableViewSelectionSynchronizer(
         "The table view has no model yet.");
     keepHighlightWithoutFocus(m_tableView);
     // Before anything is listened to, so that the first selection does not travel back to the master.
-    TableViewSelectionSynchronizer::setLocalSelectionsToMaster(m_master->getSelections());
+    show(CaseSelection(m_master->cases()));
     beginLocalSelectionMonitoring();
     TableViewSelectionSynchronizer::beginMasterSelectionMonitoring();
 }
