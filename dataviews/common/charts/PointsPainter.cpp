@@ -78,6 +78,16 @@ std::array<unsigned char, count> colorOf(vtkPen& pen)
     return color;
 }
 
+/// Whether \p rows are the numbers from 0 on.
+bool areInOrder(const std::vector<vtkIdType>& rows)
+{
+    vtkIdType difference = 0;
+    for (std::size_t i = 0; i < rows.size(); ++i) {
+        difference |= rows[i] ^ static_cast<vtkIdType>(i);
+    }
+    return difference == 0;
+}
+
 OverlapColors overlapColors(vtkPen& pen, OverlapColors::Deepening deepening)
 {
     return {colorOf<3>(pen), pen.GetOpacity(), deepening};
@@ -200,12 +210,15 @@ bool PointsPainter::paintMarks(const MarkKey& key, const Look& look, bool isPlai
     }
     if (!isSame) {
         m_marks.assign(rows, rows + count);
+        m_marksAreInOrder = areInOrder(m_marks);
     }
     m_markKey = key;
     m_marked = m_plain;
     PointRaster::Points points = pointsOf(look);
-    points.rows = m_marks.data();
-    points.rowCount = count;
+    if (!m_marksAreInOrder || count != points.count) {
+        points.rows = m_marks.data();
+        points.rowCount = count;
+    }
     if (look.ring == nullptr) {
         m_raster.paintDiscs(
             m_marked,
