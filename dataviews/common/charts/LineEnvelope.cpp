@@ -115,8 +115,9 @@ int LineEnvelope::draw(PixelPicture& picture, int height, const Look& look) cons
         }
         bottom = std::min(bottom, begin);
         top = std::max(top, end);
-        const float here =
-            look.lineWidth * reached.travel / std::max(reached.high - reached.low, look.lineWidth);
+        // One as long as the line keeps its direction; others reach into as many columns as the line is wide.
+        const float repeats = reached.travel / std::max(reached.high - reached.low, look.lineWidth);
+        const float here = 1.0F + look.lineWidth * (repeats - 1.0F);
         const int firstColumn = std::max(0, column - (side - 1) / 2);
         const int lastColumn = std::min(width - 1, column + side / 2);
         for (int i = firstColumn; i <= lastColumn; ++i) {
