@@ -296,6 +296,58 @@ private:
     std::vector<std::uint8_t> m_openInTile; ///< pixels that are not full
 };
 
+/// Points by bands, and in each by slabs of depth. What is put in comes out in the opposite order. Keeps its memory.
+class Scatter3DPicture::Bins
+{
+public:
+    void clear(std::size_t count)
+    {
+        m_lastOf.assign(count, none);
+        m_used = 0;
+    }
+
+    void put(std::size_t bin, const Entry& entry)
+    {
+        std::uint32_t& last = m_lastOf[bin];
+        if (last == none || m_chunks[last].size == chunkSize) {
+            if (m_used == m_chunks.size()) {
+                m_chunks.resize(2 * m_used + 1);
+            }
+            m_chunks[m_used].size = 0;
+            m_chunks[m_used].before = last;
+            last = static_cast<std::uint32_t>(m_used++);
+        }
+        Chunk& chunk = m_chunks[last];
+        chunk.entries[chunk.size++] = entry;
+    }
+
+    template <class Function>
+    void forEachBackwards(std::size_t bin, const Function& function) const
+    {
+        for (std::uint32_t i = m_lastOf[bin]; i != none; i = m_chunks[i].before) {
+            const Chunk& chunk = m_chunks[i];
+            for (std::uint32_t entry = chunk.size; entry-- > 0;) {
+                function(chunk.entries[entry]);
+            }
+        }
+    }
+
+private:
+    static constexpr std::uint32_t chunkSize = 64;
+    static constexpr std::uint32_t none = 0xFFFFFFFF;
+
+    struct Chunk
+    {
+        std::array<Entry, chunkSize> entries;
+        std::uint32_t size;
+        std::uint32_t before; ///< of the same bin
+    };
+
+    std::vector<Chunk> m_chunks;
+    std::size_t m_used = 0;
+    std::vector<std::uint32_t> m_lastOf; ///< chunks of each bin
+};
+
 Scatter3DPicture::Scatter3DPicture() = default;
 
 Scatter3DPicture::~Scatter3DPicture() = default;
@@ -429,46 +481,19 @@ void Scatter3DPicture::drawLayers(const Source& source, const std::vector<Layer>
 template <class Source>
 void Scatter3DPicture::sortEntries(const Source& source)
 {
-    // First how many each part of the points has for each bin, then where they go: in the order of the points.
     constexpr std::size_t pointsWorthThread = 20000;
     const std::size_t count = source.count();
     const std::size_t parts = std::clamp<std::size_t>(count / pointsWorthThread, 1, workerCount());
-    const std::size_t bins = static_cast<std::size_t>(m_bandCount) * slabCount;
-    m_partEnds.assign(parts * bins, 0);
+    m_bins.resize(parts);
     forEachAtOnce(parts, [&](std::size_t part) {
-        std::size_t* const counts = m_partEnds.data() + part * bins;
-        forEachEntry(
-            source,
-            count * part / parts,
-            count * (part + 1) / parts,
-            [counts](std::size_t bin, const Entry& /*entry*/) { ++counts[bin]; });
-    });
-    m_binEnds.resize(bins);
-    std::size_t end = 0;
-    for (std::size_t bin = 0; bin < bins; ++bin) {
-        for (std::size_t part = 0; part < parts; ++part) {
-            end += std::exchange(m_partEnds[part * bins + bin], end);
-        }
-        m_binEnds[bin] = end;
-    }
-    if (m_entries.size() < end) {
-        m_entries.resize(end);
-    }
-    forEachAtOnce(parts, [&](std::size_t part) {
-        std::size_t* const places = m_partEnds.data() + part * bins;
-        Entry* const entries = m_entries.data();
-        forEachEntry(
-            source,
-            count * part / parts,
-            count * (part + 1) / parts,
-            [places, entries](
-                std::size_t bin, const Entry& entry) { entries[places[bin]++] = entry; });
+        m_bins[part].clear(static_cast<std::size_t>(m_bandCount) * slabCount);
+        sortEntries(source, count * part / parts, count * (part + 1) / parts, m_bins[part]);
     });
 }
 
-template <class Source, class Function>
-void Scatter3DPicture::forEachEntry(
-    const Source& source, std::size_t begin, std::size_t end, const Function& function) const
+template <class Source>
+void Scatter3DPicture::sortEntries(
+    const Source& source, std::size_t begin, std::size_t end, Bins& bins) const
 {
     // Places are counted from so far outside that none is negative, and cutting off fractions is the same for all.
     const int offset = m_reach + 1;
@@ -498,7 +523,7 @@ void Scatter3DPicture::forEachEntry(
         const int first = std::max(pixelLine - reach, 0) / bandLines;
         const int last = std::min((pixelLine + reach) / bandLines, lastOfBands);
         for (int band = first; band <= last; ++band) {
-            function(
+            bins.put(
                 static_cast<std::size_t>(band) * slabCount + (depth >> fineBits),
                 Entry{
                     static_cast<std::uint32_t>(row),
@@ -525,18 +550,18 @@ void Scatter3DPicture::drawBand(
         }
         for (std::size_t slab = slabCount; slab-- > 0;) {
             const std::size_t bin = static_cast<std::size_t>(band) * slabCount + slab;
-            const std::size_t begin = bin == 0 ? 0 : m_binEnds[bin - 1];
             // From the last one on, which is in front of others of the same depth.
             worker.seen.clear();
             worker.ends.assign(fineCount, 0);
-            for (std::size_t i = m_binEnds[bin]; i-- > begin;) {
-                const Entry& entry = m_entries[i];
-                const int x = static_cast<int>(entry.column / placesInPixel) - offset;
-                const int y = entry.line / placesInPixel - offset;
-                if (!worker.isHidden(x, y, layer.reach)) {
-                    worker.seen.push_back(entry);
-                    ++worker.ends[entry.depth % fineCount];
-                }
+            for (auto bins = m_bins.rbegin(); bins != m_bins.rend(); ++bins) {
+                bins->forEachBackwards(bin, [&](const Entry& entry) {
+                    const int x = static_cast<int>(entry.column / placesInPixel) - offset;
+                    const int y = entry.line / placesInPixel - offset;
+                    if (!worker.isHidden(x, y, layer.reach)) {
+                        worker.seen.push_back(entry);
+                        ++worker.ends[entry.depth % fineCount];
+                    }
+                });
             }
             if (worker.seen.empty()) {
                 continue;

@@ -81,6 +81,7 @@ public:
 
 private:
     class Worker;
+    class Bins;
     class ByOrder;
     class ByNearness;
 
@@ -126,11 +127,9 @@ private:
     template <class Source>
     void sortEntries(const Source& source);
 
-    /// Calls \p function with the bin and the entry of each point from \p begin up to \p end, as often as there are bands
-    /// that it reaches into.
-    template <class Source, class Function>
-    void forEachEntry(
-        const Source& source, std::size_t begin, std::size_t end, const Function& function) const;
+    /// Puts the points from \p begin up to \p end into \p bins, as often as there are bands that they reach into.
+    template <class Source>
+    void sortEntries(const Source& source, std::size_t begin, std::size_t end, Bins& bins) const;
 
     void drawBand(
         Worker& worker,
@@ -147,9 +146,7 @@ private:
     int m_reach = 0; ///< the largest one of any layer
     int m_bandLines = 1;
     int m_bandCount = 0;
-    std::vector<Entry> m_entries; ///< by bands, then by slabs of depth, the farthest first
-    std::vector<std::size_t> m_binEnds; ///< in the entries
-    std::vector<std::size_t> m_partEnds; ///< of bins, for each part of the points
+    std::vector<Bins> m_bins; ///< a part of the points in each
     std::vector<Worker> m_workers;
     PixelPicture m_picture;
     std::uint64_t m_version = 0;
