@@ -89,8 +89,9 @@ bool Scatter3DPlot::Paint(vtkContext2D* painter)
     auto* const device = vtkOpenGLContextDevice2D::SafeDownCast(painter->GetDevice());
     bool isPainted = true;
     if (device != nullptr && Selection != nullptr && Selection->GetNumberOfValues() > manyMarks) {
-        isPainted = paintUnmarked(painter);
         drawMarks();
+        // Nobody would see the points behind filled marks of their own.
+        isPainted = (ring()->coversPoints() && areAllMarked()) || paintUnmarked(painter);
         paintPicture(*device, m_marks, m_marksShown);
     } else {
         const vtkSmartPointer<vtkIdTypeArray> all = Selection;
@@ -244,6 +245,20 @@ void Scatter3DPlot::drawMarks()
         drawn.size,
         drawn.pixels[0],
         drawn.pixels[1]);
+}
+
+bool Scatter3DPlot::areAllMarked() const
+{
+    // As a selection of everything is written. What else it may be, such as with rows in it twice, does not matter here.
+    const auto row = [this](std::size_t i) { return static_cast<std::size_t>(m_marked[i]); };
+    if (m_marked.size() != m_points.count()) {
+        return false;
+    }
+    std::size_t i = 0;
+    while (i < m_marked.size() && row(i) == i) {
+        ++i;
+    }
+    return i == m_marked.size();
 }
 
 void Scatter3DPlot::paintPicture(

@@ -100,6 +100,7 @@ private:
 
     void drawPicture();
     void drawMarks();
+    [[nodiscard]] bool areAllMarked() const;
 
     /// Over the area.
     void paintPicture(
