@@ -1,8 +1,9 @@
 #pragma once
 
-#include <dataviews/common/charts/ColorPalette.h>
+#include <dataviews/common/charts/PixelPicture.h>
 
 #include <vtkNew.h>
+#include <vtkType.h>
 
 #include <array>
 #include <cstddef>
@@ -17,7 +18,8 @@ namespace analyzer {
 ///
 /// Without a graphics card, that takes more than a second for the sprites of a million points, whatever they hide. Here
 /// points are drawn from front to back, and a pixel that shows enough of them is left alone by those behind: the same
-/// picture in a tenth of the time. Used on the GUI thread.
+/// picture in some hundredths of a second. Works with some threads, and keeps its memory for the next picture. Used on
+/// the GUI thread.
 class Scatter3DPicture
 {
 public:
@@ -32,6 +34,27 @@ public:
         std::array<unsigned char, 4> plain;
     };
 
+    /// Many points of which the picture finds out by itself which are in front.
+    struct Cloud
+    {
+        const float* places; ///< as of Points; rows with a place that is NaN are not drawn
+        const float*
+            nearness; ///< of each row, from -1 to 1; of those nearly as near the later row is in front
+        std::size_t count; ///< of the rows
+        const unsigned char* colors; ///< as of Points
+        std::array<unsigned char, 4> plain;
+        std::size_t stride = 1; ///< of so many rows only the first is drawn
+    };
+
+    /// Marks around some of the points, in front of the discs, which are none of the marks' business if they lie beside.
+    struct Marks
+    {
+        const vtkIdType* rows; ///< those that there are not are left out
+        std::size_t count;
+        const std::vector<std::uint32_t>& sprite; ///< square, as the pixels of PixelPicture
+        bool withDiscs; ///< whether the marked points are drawn in front of all marks
+    };
+
     Scatter3DPicture();
     Scatter3DPicture(const Scatter3DPicture&) = delete;
     Scatter3DPicture& operator=(const Scatter3DPicture&) = delete;
@@ -41,10 +64,27 @@ public:
     /// in the order are finite.
     void draw(const Points& points, float diameter, int width, int height);
 
-    /// Red, green, blue and opacity, not multiplied; transparent beside the points.
-    [[nodiscard]] vtkImageData& image() const { return *m_image; }
+    /// The same for \p cloud.
+    void draw(const Cloud& cloud, float diameter, int width, int height);
+
+    /// Draws \p marks around points of \p cloud, and nothing else but the discs of these if the marks want them.
+    void drawMarks(const Cloud& cloud, const Marks& marks, float diameter, int width, int height);
+
+    /// Without a margin.
+    [[nodiscard]] const PixelPicture& pixels() const { return m_picture; }
+
+    /// Counts the drawings.
+    [[nodiscard]] std::uint64_t version() const { return m_version; }
+
+    /// Red, green, blue and opacity, not multiplied; transparent beside the points. Valid until the next drawing.
+    [[nodiscard]] vtkImageData& image() const;
 
 private:
+    class Worker;
+    class Bins;
+    class ByOrder;
+    class ByNearness;
+
     /// How much of each pixel around it a disc covers, for one place of its center within a pixel.
     struct Disc
     {
@@ -60,27 +100,57 @@ private:
         std::vector<std::uint32_t> coverage; ///< from 0 to 256
     };
 
-    /// What has been drawn of a pixel, from front to back.
-    struct Pixel
+    /// A point in a band of the picture's lines.
+    struct Entry
     {
-        std::array<std::uint16_t, 3> color; ///< multiplied by the opacity, in 256th
-        std::uint16_t rest; ///< what what is behind would still show of itself, from 0 to 65535
+        std::uint32_t row;
+        std::uint32_t column; ///< in quarters of pixels, from so far left that none is negative
+        std::uint16_t line; ///< likewise upward, from below the band
+        std::uint16_t depth; ///< the larger, the nearer
     };
 
-    void makeDiscs(float diameter);
-    void drawDisc(const Disc& disc, int x, int y, const unsigned char* color);
-    void fillImage();
-    [[nodiscard]] static int firstOpen(std::uint16_t* next, int x);
+    /// What is drawn of the entries, in front of what follows.
+    struct Layer
+    {
+        int reach = 0; ///< pixels around the one with the center
+        const std::vector<std::uint32_t>* sprite = nullptr; ///< null for discs
+    };
 
-    static constexpr int placesInPixel = 4; ///< that are told apart, along each side
+    void begin(float diameter, int width, int height, int reach);
+    void makeDiscs(float diameter);
+
+    /// Draws \p layers, the first one in front, of all that \p source has.
+    template <class Source>
+    void drawLayers(const Source& source, const std::vector<Layer>& layers);
+
+    /// Fills the bins.
+    template <class Source>
+    void sortEntries(const Source& source);
+
+    /// Puts the points from \p begin up to \p end into \p bins, as often as there are bands that they reach into.
+    template <class Source>
+    void sortEntries(const Source& source, std::size_t begin, std::size_t end, Bins& bins) const;
+
+    void drawBand(
+        Worker& worker,
+        int band,
+        const std::vector<Layer>& layers,
+        const unsigned char* colors,
+        const std::array<unsigned char, 4>& plain);
 
     int m_width = 0;
     int m_height = 0;
     float m_diameter = 0.0F; ///< of the discs
+    int m_discReach = 0;
     std::vector<Disc> m_discs;
-    std::vector<Pixel> m_pixels;
-    std::vector<std::uint16_t>
-        m_next; ///< leads from each pixel to the first one at or behind it that is not full
+    int m_reach = 0; ///< the largest one of any layer
+    int m_bandLines = 1;
+    int m_bandCount = 0;
+    std::vector<Bins> m_bins; ///< a part of the points in each
+    std::vector<Worker> m_workers;
+    PixelPicture m_picture;
+    std::uint64_t m_version = 0;
+    mutable bool m_isImageOld = true;
     vtkNew<vtkImageData> m_image;
 };
 

@@ -4,9 +4,12 @@
 #include <vtkContext2D.h>
 #include <vtkContextDevice2D.h>
 #include <vtkDataArray.h>
+#include <vtkFloatArray.h>
 #include <vtkIdTypeArray.h>
 #include <vtkNew.h>
 #include <vtkObjectFactory.h>
+#include <vtkOpenGLContextDevice2D.h>
+#include <vtkOpenGLRenderWindow.h>
 #include <vtkPen.h>
 #include <vtkPoints2D.h>
 #include <vtkScalarsToColors.h>
@@ -17,7 +20,6 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
-#include <cstring>
 #include <utility>
 #include <vector>
 
@@ -27,7 +29,8 @@ namespace {
 
 constexpr std::size_t coarseCount = 200000; ///< points that are painted in passing
 constexpr std::size_t channelCount = 4;
-constexpr vtkIdType manySelected = 20000;
+constexpr vtkIdType manySelected = 20000; ///< marks that are not all painted
+constexpr vtkIdType manyMarks = 2000; ///< that are painted faster as a picture
 
 std::array<int, 4> pixels(const vtkRectf& rect)
 {
@@ -73,14 +76,7 @@ bool Scatter3DPlot::Paint(vtkContext2D* painter)
     if (!GetVisible()) {
         return false;
     }
-    m_points.project(m_projection, stride(), GetMarkerSize());
-    Points->SetNumberOfPoints(static_cast<vtkIdType>(m_points.count()));
-    if (m_points.count() > 0) {
-        std::memcpy(
-            Points->GetVoidPointer(0),
-            m_points.places().data(),
-            m_points.places().size() * sizeof(float));
-    }
+    updatePoints();
 
     // The chart has set both for points within its axes.
     const vtkNew<vtkTransform2D> identity;
@@ -90,11 +86,20 @@ bool Scatter3DPlot::Paint(vtkContext2D* painter)
     painter->GetDevice()->SetClipping(clip.data());
     m_box.paint(*painter, m_projection);
 
-    const vtkSmartPointer<vtkIdTypeArray> all = Selection;
-    const vtkSmartPointer<vtkIdTypeArray> visible = visibleSelection();
-    Selection = visible;
-    const bool isPainted = paintShapes(painter);
-    Selection = all;
+    auto* const device = vtkOpenGLContextDevice2D::SafeDownCast(painter->GetDevice());
+    bool isPainted = true;
+    if (device != nullptr && Selection != nullptr && Selection->GetNumberOfValues() > manyMarks) {
+        drawMarks();
+        // Nobody would see the points behind filled marks of their own.
+        isPainted = (ring()->coversPoints() && areAllMarked()) || paintUnmarked(painter);
+        paintPicture(*device, m_marks, m_marksShown);
+    } else {
+        const vtkSmartPointer<vtkIdTypeArray> all = Selection;
+        const vtkSmartPointer<vtkIdTypeArray> visible = visibleSelection();
+        Selection = visible;
+        isPainted = paintShapes(painter);
+        Selection = all;
+    }
     painter->PopMatrix();
     return isPainted;
 }
@@ -115,12 +120,36 @@ bool Scatter3DPlot::Hit(const vtkContextMouseEvent& /*mouse*/)
 bool Scatter3DPlot::paintUnmarked(vtkContext2D* painter)
 {
     drawPicture();
-    if (m_points.drawOrder().empty()) {
+    if (m_points.count() == 0) {
         return true;
     }
-    const vtkRectf& area = m_projection.area();
-    painter->DrawImage(area.GetX(), area.GetY(), &m_picture.image());
+    if (auto* const device = vtkOpenGLContextDevice2D::SafeDownCast(painter->GetDevice())) {
+        paintPicture(*device, m_picture, m_shown);
+    } else {
+        const vtkRectf& area = m_projection.area();
+        painter->DrawImage(area.GetX(), area.GetY(), &m_picture.image());
+    }
     return true;
+}
+
+void Scatter3DPlot::updatePoints()
+{
+    m_points.project(m_projection);
+    const void* const places = m_points.places().data();
+    if (m_shownPlaces == places && m_shownVersion == m_points.version()) {
+        return;
+    }
+    m_shownPlaces = places;
+    m_shownVersion = m_points.version();
+    // The same memory: a copy takes as long as the projection.
+    const vtkNew<vtkFloatArray> coordinates;
+    coordinates->SetNumberOfComponents(2);
+    constexpr int keepsOwner = 1;
+    coordinates->SetArray(
+        const_cast<float*>(m_points.places().data()),
+        static_cast<vtkIdType>(m_points.places().size()),
+        keepsOwner);
+    Points->SetData(coordinates);
 }
 
 void Scatter3DPlot::mapColors()
@@ -154,37 +183,104 @@ void Scatter3DPlot::mapColors()
     m_colorsFrom = from;
 }
 
-void Scatter3DPlot::drawPicture()
+Scatter3DPlot::Drawn Scatter3DPlot::wanted() const
 {
     const bool isColored = ScalarVisibility != 0 && Colors != nullptr
         && Colors->GetNumberOfComponents() == static_cast<int>(channelCount)
         && Colors->GetNumberOfTuples() == static_cast<vtkIdType>(m_points.count());
-    Drawn wanted;
-    wanted.points = m_points.version();
-    wanted.colors = isColored ? m_colorsFrom : 0;
-    Pen->GetColor(wanted.plain.data());
-    wanted.plain[3] = Pen->GetOpacity();
-    wanted.size = GetMarkerSize();
+    Drawn drawn;
+    drawn.points = m_points.version();
+    drawn.stride = stride();
+    drawn.colors = isColored ? m_colorsFrom : 0;
+    Pen->GetColor(drawn.plain.data());
+    drawn.plain[3] = Pen->GetOpacity();
+    drawn.size = MarkerSize;
     const std::array<int, 4> area = pixels(m_projection.area());
-    wanted.pixels = {area[2], area[3]};
-    if (isSame(wanted, m_drawn)) {
-        return;
-    }
-    m_drawn = wanted;
-    m_picture.draw(
-        {m_points.places().data(),
-         m_points.drawOrder(),
-         isColored ? Colors->GetPointer(0) : nullptr,
-         wanted.plain},
-        wanted.size,
-        area[2],
-        area[3]);
+    drawn.pixels = {area[2], area[3]};
+    return drawn;
 }
 
-bool Scatter3DPlot::isSame(const Drawn& left, const Drawn& right)
+Scatter3DPicture::Cloud Scatter3DPlot::cloud(const Drawn& drawn) const
 {
-    return left.points == right.points && left.colors == right.colors && left.plain == right.plain
-        && left.size == right.size && left.pixels == right.pixels;
+    return {
+        m_points.places().data(),
+        m_points.nearness().data(),
+        m_points.count(),
+        drawn.colors != 0 ? Colors->GetPointer(0) : nullptr,
+        drawn.plain,
+        drawn.stride};
+}
+
+void Scatter3DPlot::drawPicture()
+{
+    const Drawn drawn = wanted();
+    if (m_drawn == drawn) {
+        return;
+    }
+    m_drawn = drawn;
+    m_picture.draw(cloud(drawn), drawn.size, drawn.pixels[0], drawn.pixels[1]);
+}
+
+void Scatter3DPlot::drawMarks()
+{
+    Drawn drawn = wanted();
+    drawn.stride = 1; // Marks are never left out.
+    // The values and not the time of their change, for plots write into the array without telling.
+    const vtkIdType* const rows = Selection->GetPointer(0);
+    const auto count = static_cast<std::size_t>(Selection->GetNumberOfValues());
+    SelectionRing& mark = *ring();
+    const bool isSame =
+        m_marked.size() == count && std::equal(m_marked.begin(), m_marked.end(), rows);
+    if (isSame && m_marksDrawn == drawn && m_marksColors == mark.colors()) {
+        return;
+    }
+    if (!isSame) {
+        m_marked.assign(rows, rows + count);
+    }
+    m_marksDrawn = drawn;
+    m_marksColors = mark.colors();
+    m_marks.drawMarks(
+        cloud(drawn),
+        {m_marked.data(), count, mark.raster(drawn.size).sprite, !mark.coversPoints()},
+        drawn.size,
+        drawn.pixels[0],
+        drawn.pixels[1]);
+}
+
+bool Scatter3DPlot::areAllMarked() const
+{
+    // As a selection of everything is written. What else it may be, such as with rows in it twice, does not matter here.
+    const auto row = [this](std::size_t i) { return static_cast<std::size_t>(m_marked[i]); };
+    if (m_marked.size() != m_points.count()) {
+        return false;
+    }
+    std::size_t i = 0;
+    while (i < m_marked.size() && row(i) == i) {
+        ++i;
+    }
+    return i == m_marked.size();
+}
+
+void Scatter3DPlot::paintPicture(
+    vtkOpenGLContextDevice2D& device, const Scatter3DPicture& picture, Shown& shown) const
+{
+    if (picture.pixels().width() == 0 || picture.pixels().height() == 0) {
+        return;
+    }
+    vtkOpenGLRenderWindow& window = *device.GetRenderWindow();
+    if (shown.version != picture.version() || !shown.texture.isIn(window)) {
+        shown.texture.update(window, picture.pixels());
+        shown.version = picture.version();
+    }
+    const vtkRectf& area = m_projection.area();
+    shown.texture.draw(
+        static_cast<int>(std::lround(area.GetX())), static_cast<int>(std::lround(area.GetY())));
+}
+
+bool Scatter3DPlot::Drawn::operator==(const Drawn& other) const
+{
+    return points == other.points && stride == other.stride && colors == other.colors
+        && plain == other.plain && size == other.size && pixels == other.pixels;
 }
 
 std::size_t Scatter3DPlot::stride() const

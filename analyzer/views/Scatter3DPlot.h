@@ -5,6 +5,7 @@
 #include <analyzer/views/Scatter3DPicture.h>
 #include <analyzer/views/Scatter3DPoints.h>
 
+#include <dataviews/common/charts/PictureTexture.h>
 #include <dataviews/common/charts/RingedPlot.h>
 
 #include <vtkPlotPoints.h>
@@ -12,6 +13,10 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <optional>
+#include <vector>
+
+class vtkOpenGLContextDevice2D;
 
 namespace analyzer {
 
@@ -66,19 +71,40 @@ protected:
     bool paintUnmarked(vtkContext2D* painter) override;
 
 private:
-    /// What the picture was drawn from.
+    /// What a picture was drawn from.
     struct Drawn
     {
         std::uint64_t points = 0;
+        std::size_t stride = 1;
         vtkMTimeType colors = 0;
         std::array<unsigned char, 4> plain = {};
         float size = 0.0F;
         std::array<int, 2> pixels = {};
+
+        [[nodiscard]] bool operator==(const Drawn& other) const;
     };
 
+    void updatePoints();
     void mapColors();
+
+    /// Of the points in their look now.
+    [[nodiscard]] Drawn wanted() const;
+    [[nodiscard]] Scatter3DPicture::Cloud cloud(const Drawn& drawn) const;
+
+    /// A picture in the memory of OpenGL.
+    struct Shown
+    {
+        PictureTexture texture;
+        std::uint64_t version = 0; ///< of the picture; 0 for none
+    };
+
     void drawPicture();
-    [[nodiscard]] static bool isSame(const Drawn& left, const Drawn& right);
+    void drawMarks();
+    [[nodiscard]] bool areAllMarked() const;
+
+    /// Over the area.
+    void paintPicture(
+        vtkOpenGLContextDevice2D& device, const Scatter3DPicture& picture, Shown& shown) const;
     [[nodiscard]] std::size_t stride() const;
     [[nodiscard]] vtkSmartPointer<vtkIdTypeArray> visibleSelection() const;
 
@@ -88,7 +114,15 @@ private:
     bool m_isCoarse = false;
     vtkMTimeType m_colorsFrom = 0; ///< when what the colors are made from had changed last
     Scatter3DPicture m_picture;
-    Drawn m_drawn;
+    std::optional<Drawn> m_drawn;
+    Shown m_shown;
+    Scatter3DPicture m_marks; ///< if they are many
+    std::optional<Drawn> m_marksDrawn;
+    SelectionRing::Colors m_marksColors; ///< as drawn
+    std::vector<vtkIdType> m_marked; ///< the rows with a mark, as drawn
+    Shown m_marksShown;
+    const void* m_shownPlaces = nullptr; ///< those that the base's points are made of
+    std::uint64_t m_shownVersion = 0;
 };
 
 } // namespace analyzer

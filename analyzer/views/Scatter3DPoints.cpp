@@ -2,6 +2,7 @@
 
 #include <vtkDoubleArray.h>
 #include <vtkIdTypeArray.h>
+#include <vtkSMPTools.h>
 
 #include <algorithm>
 #include <cmath>
@@ -12,8 +13,7 @@ namespace analyzer {
 
 namespace {
 
-constexpr std::size_t depthCount = 65535;
-constexpr std::uint16_t notDrawn = depthCount; ///< behind the last depth
+constexpr vtkIdType rowsWorthThread = 20000;
 
 } // namespace
 
@@ -27,9 +27,8 @@ Scatter3DPoints::~Scatter3DPoints() = default;
 void Scatter3DPoints::setColumns(Columns columns)
 {
     m_columns = std::move(columns);
-    m_stride = 0;
+    m_isProjected = false;
     ++m_version;
-    m_order.clear();
     constexpr float nowhere = std::numeric_limits<float>::quiet_NaN();
     m_places.assign(2 * count(), nowhere);
     m_nearness.assign(count(), nowhere);
@@ -42,32 +41,34 @@ void Scatter3DPoints::setColumns(Columns columns)
     }
 }
 
-void Scatter3DPoints::project(const Chart3DProjection& projection, std::size_t stride, float reach)
+void Scatter3DPoints::project(const Chart3DProjection& projection)
 {
-    const bool isSame = m_stride != 0 && projection == m_projection;
-    if (isSame && stride == m_stride && reach == m_reach) {
+    if (m_isProjected && projection == m_projection) {
         return;
     }
+    m_isProjected = true;
     m_projection = projection;
-    m_stride = stride;
-    m_reach = reach;
     ++m_version;
-    if (!isSame) {
-        const float* x = m_columns[0].data();
-        const float* y = m_columns[1].data();
-        const float* z = m_columns[2].data();
-        double* placeX = m_x->GetPointer(0);
-        double* placeY = m_y->GetPointer(0);
-        for (std::size_t row = 0; row < count(); ++row) {
-            const Chart3DProjection::Place place = projection.place(x[row], y[row], z[row]);
-            m_places[2 * row] = place.x;
-            m_places[2 * row + 1] = place.y;
-            m_nearness[row] = place.nearness;
-            placeX[row] = place.x;
-            placeY[row] = place.y;
+    const auto rows = static_cast<vtkIdType>(count());
+    vtkSMPTools::For(0, rows, rowsWorthThread, [this](vtkIdType begin, vtkIdType end) {
+        // Not looked up for each row anew, as what is written may seem to change it.
+        const Chart3DProjection to = m_projection;
+        const float* const x = m_columns[0].data();
+        const float* const y = m_columns[1].data();
+        const float* const z = m_columns[2].data();
+        float* const places = m_places.data();
+        float* const nearness = m_nearness.data();
+        double* const placeX = m_x->GetPointer(0);
+        double* const placeY = m_y->GetPointer(0);
+        for (vtkIdType row = begin; row < end; ++row) {
+            const Chart3DProjection::Place place = to.place(x[row], y[row], z[row]);
+            places[2 * row] = place.x;
+            places[2 * row + 1] = place.y;
+            nearness[row] = place.nearness;
+            placeX[row] = static_cast<double>(place.x);
+            placeY[row] = static_cast<double>(place.y);
         }
-    }
-    order(stride, reach);
+    });
 }
 
 vtkIdType Scatter3DPoints::nearestRow(float x, float y, float reach) const
@@ -107,39 +108,6 @@ vtkSmartPointer<vtkIdTypeArray> Scatter3DPoints::rowsWithin(const vtkRectf& part
         }
     }
     return rows;
-}
-
-void Scatter3DPoints::order(std::size_t stride, float reach)
-{
-    // Sorted by counting: as fine as anybody sees, and a pass over the points takes the same time for any data.
-    const vtkRectf& area = m_projection.area();
-    const float left = area.GetLeft() - reach;
-    const float right = area.GetRight() + reach;
-    const float bottom = area.GetBottom() - reach;
-    const float top = area.GetTop() + reach;
-    constexpr auto largest = static_cast<float>(depthCount - 1);
-    std::vector<std::uint32_t> ends(depthCount + 1, 0);
-    m_depths.resize(count());
-    for (std::size_t row = 0; row < count(); row += stride) {
-        const float x = m_places[2 * row];
-        const float y = m_places[2 * row + 1];
-        const bool isSeen = x >= left && x <= right && y >= bottom && y <= top;
-        // Points of the box are nearer than 1 and farther than -1.
-        const float depth = std::clamp((m_nearness[row] + 1.0F) * 0.5F * largest, 0.0F, largest);
-        m_depths[row] = isSeen ? static_cast<std::uint16_t>(depth) : notDrawn;
-        ++ends[m_depths[row]];
-    }
-    std::uint32_t begin = 0;
-    for (std::uint32_t& end : ends) {
-        begin += std::exchange(end, begin);
-    }
-    const std::size_t drawn = ends[notDrawn];
-    m_order.resize(drawn);
-    for (std::size_t row = 0; row < count(); row += stride) {
-        if (m_depths[row] != notDrawn) {
-            m_order[ends[m_depths[row]]++] = static_cast<std::uint32_t>(row);
-        }
-    }
 }
 
 } // namespace analyzer

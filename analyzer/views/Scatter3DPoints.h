@@ -14,10 +14,10 @@ class vtkIdTypeArray;
 
 namespace analyzer {
 
-/// Many points in the box of a chart in three dimensions, where they are drawn and in which order.
+/// Many points in the box of a chart in three dimensions, where they are drawn and how near they are.
 ///
-/// All in typed passes over arrays: a million points are projected and ordered in some hundredths of a second. A point
-/// with a place that is NaN is not drawn and not found. Used on the GUI thread.
+/// All in typed passes over arrays, by some threads: a million points are projected in some thousandths of a second. A
+/// point with a place that is NaN is not drawn and not found. Used on the GUI thread.
 class Scatter3DPoints
 {
 public:
@@ -34,11 +34,10 @@ public:
 
     [[nodiscard]] std::size_t count() const { return m_columns[0].size(); }
 
-    /// Brings places() and drawOrder() up to date. Of each \p stride points only the first is drawn, and of those only
-    /// the ones that are less than \p reach pixels outside of the area. Cheap if nothing changed.
-    void project(const Chart3DProjection& projection, std::size_t stride, float reach);
+    /// Brings places() and nearness() up to date. Cheap if nothing changed.
+    void project(const Chart3DProjection& projection);
 
-    /// Counts the changes of drawOrder().
+    /// Counts the changes of places().
     [[nodiscard]] std::uint64_t version() const { return m_version; }
 
     /// X and Y of each point, in pixels of the scene; NaN where it is nowhere.
@@ -52,9 +51,6 @@ public:
     /// How near each point is; see Chart3DProjection.
     [[nodiscard]] const std::vector<float>& nearness() const { return m_nearness; }
 
-    /// The rows to be drawn, the nearest last; those that are nearly as near in their own order.
-    [[nodiscard]] const std::vector<std::uint32_t>& drawOrder() const { return m_order; }
-
     /// The row in the area that is nearest to this place of the scene, at most \p reach pixels away; of several at the
     /// same place the one in front; -1 if there is none.
     [[nodiscard]] vtkIdType nearestRow(float x, float y, float reach) const;
@@ -63,20 +59,14 @@ public:
     [[nodiscard]] vtkSmartPointer<vtkIdTypeArray> rowsWithin(const vtkRectf& part) const;
 
 private:
-    void order(std::size_t stride, float reach);
-
     Columns m_columns;
     Chart3DProjection m_projection;
-    std::size_t m_stride = 0; ///< 0 if nothing has been projected
-    float m_reach = 0.0F;
+    bool m_isProjected = false;
     std::uint64_t m_version = 0;
     std::vector<float> m_places;
     std::vector<float> m_nearness;
     vtkSmartPointer<vtkDoubleArray> m_x;
     vtkSmartPointer<vtkDoubleArray> m_y;
-    std::vector<std::uint32_t> m_order;
-    std::vector<std::uint16_t>
-        m_depths; ///< of all rows, for ordering; the largest one for those not drawn
 };
 
 } // namespace analyzer

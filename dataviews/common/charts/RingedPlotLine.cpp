@@ -4,13 +4,20 @@
 #include <vtkContext2D.h>
 #include <vtkContextScene.h>
 #include <vtkMatrix3x3.h>
+#include <vtkMatrix4x4.h>
+#include <vtkNew.h>
 #include <vtkObjectFactory.h>
+#include <vtkOpenGLContextDevice2D.h>
+#include <vtkOpenGLRenderWindow.h>
+#include <vtkOpenGLState.h>
 #include <vtkPen.h>
 #include <vtkPoints2D.h>
 #include <vtkTransform2D.h>
 #include <vtkUnsignedCharArray.h>
+#include <vtk_glew.h>
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <utility>
 #include <vector>
@@ -48,6 +55,9 @@ bool RingedPlotLine::paintLineInSight(vtkContext2D& painter)
     const bool isLong = Points->GetNumberOfPoints() >= reductionThreshold;
     if (!isLong || !PolyLine || pixelsPerUnit == 0.0 || GetScene() == nullptr || !ascends()) {
         return false;
+    }
+    if (paintEnvelope(painter)) {
+        return true;
     }
     const auto unitsAt = [&](double pixel) {
         return static_cast<float>((pixel - matrix.GetElement(0, 2)) / pixelsPerUnit);
@@ -92,6 +102,63 @@ bool RingedPlotLine::paintLineInSight(vtkContext2D& painter)
         painter.DrawPoly(points.data(), count);
     } else {
         painter.DrawPoly(points.data(), count, colors.data(), channels);
+    }
+    return true;
+}
+
+bool RingedPlotLine::paintEnvelope(vtkContext2D& painter)
+{
+    // Without a graphics card, strokes of which most hide one another take longer than everything else in the chart.
+    auto* const device = vtkOpenGLContextDevice2D::SafeDownCast(painter.GetDevice());
+    if (device == nullptr || (ScalarVisibility != 0 && Colors != nullptr)
+        || Pen->GetLineType() != vtkPen::SOLID_LINE) {
+        return false;
+    }
+    vtkOpenGLState& state = *device->GetRenderWindow()->GetState();
+    std::array<int, 4> viewport = {};
+    state.vtkglGetIntegerv(GL_VIEWPORT, viewport.data());
+    const vtkNew<vtkMatrix4x4> toView;
+    vtkMatrix4x4::Multiply4x4(device->GetProjectionMatrix(), device->GetModelMatrix(), toView);
+    const auto axis = [&](int row) {
+        const double half = viewport[static_cast<std::size_t>(row) + 2] / 2.0;
+        return LineEnvelope::Axis{
+            toView->GetElement(row, row) * half, (toView->GetElement(row, 3) + 1.0) * half};
+    };
+    const std::array<LineEnvelope::Axis, 2> axes = {axis(0), axis(1)};
+
+    struct Vertex
+    {
+        float x;
+        float y;
+    };
+
+    const auto* const all = static_cast<const Vertex*>(Points->GetVoidPointer(0));
+    const auto* const end = all + Points->GetNumberOfPoints();
+    const auto unitsAt = [&](double pixel) {
+        return static_cast<float>((pixel - axes[0].offset) / axes[0].scale);
+    };
+    const float left = std::min(unitsAt(0.0), unitsAt(viewport[2]));
+    const float right = std::max(unitsAt(0.0), unitsAt(viewport[2]));
+    const auto* first = std::lower_bound(
+        all, end, left, [](const Vertex& vertex, float x) { return vertex.x < x; });
+    const auto* last = std::upper_bound(
+        first, end, right, [](float x, const Vertex& vertex) { return x < vertex.x; });
+    constexpr int verticesInCrowdedColumn = 4;
+    if (last - first < verticesInCrowdedColumn * viewport[2]) {
+        return false;
+    }
+    // The edges into the picture and out of it.
+    first -= first == all ? 0 : 1;
+    last += last == end ? 0 : 1;
+    m_envelope.cover(&first->x, static_cast<std::size_t>(last - first), axes, viewport[2]);
+    LineEnvelope::Look look;
+    look.lineWidth = Pen->GetWidth();
+    std::copy_n(Pen->GetColor(), 3, look.color.begin());
+    look.color[3] = Pen->GetOpacity();
+    const int bottom = m_envelope.draw(m_picture, viewport[3], look);
+    if (m_picture.width() > 0) {
+        m_texture.update(*device->GetRenderWindow(), m_picture);
+        m_texture.draw(0, bottom);
     }
     return true;
 }

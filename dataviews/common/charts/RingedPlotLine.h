@@ -1,6 +1,9 @@
 #pragma once
 
 #include <dataviews/common/charts/ChartsExport.h>
+#include <dataviews/common/charts/LineEnvelope.h>
+#include <dataviews/common/charts/PictureTexture.h>
+#include <dataviews/common/charts/PixelPicture.h>
 #include <dataviews/common/charts/RingedPlot.h>
 
 #include <vtkPlotLine.h>
@@ -35,8 +38,14 @@ private:
     /// False if the line is not one that lineInSight() takes.
     bool paintLineInSight(vtkContext2D& painter);
 
+    /// On the screen, the line as a picture; false if it is not crowded, or has colors.
+    bool paintEnvelope(vtkContext2D& painter);
+
     [[nodiscard]] bool ascends();
 
     vtkMTimeType m_checkedTime = 0; ///< of the points that m_ascends is about
     bool m_ascends = false;
+    LineEnvelope m_envelope;
+    PixelPicture m_picture;
+    PictureTexture m_texture;
 };

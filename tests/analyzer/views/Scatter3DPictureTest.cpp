@@ -8,6 +8,7 @@
 #include <array>
 #include <cmath>
 #include <cstdint>
+#include <limits>
 #include <numeric>
 #include <random>
 #include <vector>
@@ -109,6 +110,87 @@ TEST(Scatter3DPictureTest, IsWhatDrawingOneOverTheOtherGives)
         EXPECT_LT(
             largestDifference(picture, drawnBackToFront(points, testCase.diameter)), 5.0 / 255.0);
     }
+}
+
+TEST(Scatter3DPictureTest, FindsTheOrderOfManyPointsByTheirNearness)
+{
+    constexpr float nowhere = std::numeric_limits<float>::quiet_NaN();
+    std::mt19937 random(11);
+    std::uniform_real_distribution<float> anyNearness(-1.0F, 1.0F);
+    std::uniform_int_distribution<int> channel(0, 255);
+    // The last ones are enough for some threads, and to hide most of one another.
+    for (const int count : {0, 1, 40, 3000, 45000}) {
+        SCOPED_TRACE(count);
+        std::vector<float> places = scattered(count, random);
+        std::vector<float> nearness;
+        std::vector<unsigned char> colors;
+        std::vector<std::uint32_t> order;
+        for (int i = 0; i < count; ++i) {
+            // Many are as near as others.
+            nearness.push_back(std::round(anyNearness(random) * 50.0F) / 50.0F);
+            for (int j = 0; j < 3; ++j) {
+                colors.push_back(static_cast<unsigned char>(channel(random)));
+            }
+            colors.push_back(204);
+            if (i % 7 == 3) {
+                places[static_cast<std::size_t>(2 * i + i % 2)] = nowhere;
+            } else if (i % 2 == 0) {
+                order.push_back(static_cast<std::uint32_t>(i));
+            }
+        }
+        std::stable_sort(order.begin(), order.end(), [&](std::uint32_t left, std::uint32_t right) {
+            return nearness[left] < nearness[right];
+        });
+        Scatter3DPicture picture;
+
+        picture.draw(
+            Scatter3DPicture::Cloud{
+                places.data(),
+                nearness.data(),
+                static_cast<std::size_t>(count),
+                colors.data(),
+                {},
+                2},
+            7.0F,
+            width,
+            height);
+
+        // What is far behind does not change the expected picture.
+        const std::vector<std::uint32_t> front(
+            order.end() - std::min<std::ptrdiff_t>(3000, order.end() - order.begin()), order.end());
+        const Scatter3DPicture::Points expected{places.data(), front, colors.data(), {}};
+        EXPECT_LT(largestDifference(picture, drawnBackToFront(expected, 7.0)), 5.0 / 255.0);
+    }
+}
+
+TEST(Scatter3DPictureTest, MarksOfNearPointsCoverThoseBehindAndDiscsCoverMarks)
+{
+    // Two that overlap, the first one nearer, and one beside.
+    const std::vector<float> places = {10.625F, 10.625F, 10.625F, 12.625F, 30.625F, 10.625F};
+    const std::vector<float> nearness = {0.5F, -0.5F, 0.0F};
+    const std::vector<unsigned char> colors = {255, 0, 0, 255, 0, 255, 0, 255, 0, 0, 255, 255};
+    const Scatter3DPicture::Cloud cloud{
+        places.data(), nearness.data(), nearness.size(), colors.data(), {}};
+    constexpr std::uint32_t gray = 0xFF808080U;
+    constexpr std::uint32_t black = 0xFF000000U;
+    std::vector<std::uint32_t> sprite(49, gray); // 7 by 7 pixels
+    std::fill_n(sprite.begin(), 7, black); // the lowest line
+    const std::vector<vtkIdType> rows = {1, 0, 99, -1};
+    Scatter3DPicture picture;
+
+    picture.drawMarks(cloud, {rows.data(), rows.size(), sprite, false}, 3.0F, width, height);
+    const auto pixel = [&picture](int x, int y) { return picture.pixels().row(y)[x]; };
+    EXPECT_EQ(pixel(10, 7), black);
+    EXPECT_EQ(pixel(10, 9), gray) << "The nearer one covers the lowest line of the other.";
+    EXPECT_EQ(pixel(10, 15), gray) << "This is of the one behind.";
+    EXPECT_EQ(pixel(10, 16), 0U);
+    EXPECT_EQ(pixel(6, 10), 0U);
+    EXPECT_EQ(pixel(30, 10), 0U) << "not marked";
+
+    picture.drawMarks(cloud, {rows.data(), rows.size(), sprite, true}, 3.0F, width, height);
+    EXPECT_EQ(pixel(10, 10), 0xFF0000FFU);
+    EXPECT_EQ(pixel(10, 13), 0xFF00FF00U) << "above the marks of all";
+    EXPECT_EQ(pixel(8, 10), gray);
 }
 
 TEST(Scatter3DPictureTest, BeginsAnewWithEachPictureAndSize)

@@ -224,12 +224,9 @@ TEST_F(ScatterPlot3DViewTest, PointsInFrontCoverThoseBehindAndAreTheOnesPicked)
     for (const auto& direction : cases) {
         SCOPED_TRACE(direction.azimuth);
         look(direction.azimuth, 0.0);
-        const std::vector<std::uint32_t>& order = m_view->plot().points().drawOrder();
-        ASSERT_EQ(order.size(), 6U);
-        const auto position = [&order](unsigned long long caseID) {
-            return std::find(order.begin(), order.end(), caseID - 1) - order.begin();
-        };
-        EXPECT_GT(position(direction.front), position(direction.back));
+        const std::vector<float>& nearness = m_view->plot().points().nearness();
+        ASSERT_EQ(nearness.size(), 6U);
+        EXPECT_GT(nearness[direction.front - 1], nearness[direction.back - 1]);
 
         ASSERT_EQ(place(5), place(6));
         click(place(5));
