@@ -196,6 +196,8 @@ struct PointRaster::Part
     std::vector<unsigned char> isUsed; ///< by row of pixels
     std::vector<float> block;
     std::vector<std::size_t> next; ///< where its next point in each band goes
+    std::vector<std::uint32_t>
+        sparse; ///< the places of its points whose markers can be seen one by one
 };
 
 /// Counts, row by row upward, how many markers lie over pixels.
@@ -452,9 +454,8 @@ void PointRaster::placePoints(
                 std::fill(row, row + m_stride, std::uint16_t(0));
             }
         }
-        const auto partCount = static_cast<vtkIdType>(m_partCount);
-        const vtkIdType first = count * static_cast<vtkIdType>(index) / partCount;
-        const vtkIdType last = count * static_cast<vtkIdType>(index + 1) / partCount;
+        const auto first = static_cast<vtkIdType>(firstOf(index));
+        const auto last = static_cast<vtkIdType>(firstOf(index + 1));
         std::uint16_t* const counts = part.counts.data();
         unsigned char* const isUsed = part.isUsed.data();
         const int stride = picture.stride();
@@ -636,30 +637,51 @@ void PointRaster::paintRings(PixelPicture& picture, const Points& points, const 
     });
 
     spreadTiles(picture, side);
+    findSparsePoints(picture);
     const std::vector<int> borders =
         evenRows(picture.margin(), picture.margin() + picture.height());
     forEachAtOnce(borders.size() - 1, [&](std::size_t index) {
-        const int first = borders[index];
-        const int last = borders[index + 1];
-        for (const std::uint32_t place : m_places) {
-            const int row = rowOf(place);
-            if (row <= first - side || row >= last || !isSparseAt(place)) {
-                continue;
-            }
-            for (int y = std::max(first, row); y < std::min(last, row + side); ++y) {
-                const std::uint32_t* const sprite = ring.sprite.data() + (y - row) * side;
-                std::uint32_t* const pixels = picture.row(y) + columnOf(place);
-                const std::uint16_t* const marks = m_overlap.data()
-                    + static_cast<std::size_t>(y) * static_cast<std::size_t>(m_stride)
-                    + columnOf(place);
-                for (int x = 0; x < side; ++x) {
-                    if (sprite[x] != 0 && marks[x] <= threshold) {
-                        pixels[x] = over(sprite[x], pixels[x]);
-                    }
-                }
+        for (std::size_t part = 0; part < m_partCount; ++part) {
+            stampRings(picture, m_parts[part], {borders[index], borders[index + 1]}, ring);
+        }
+    });
+}
+
+void PointRaster::findSparsePoints(const PixelPicture& picture)
+{
+    const std::uint32_t outside = outsideOf(picture.rows());
+    forEachAtOnce(m_partCount, [&](std::size_t index) {
+        std::vector<std::uint32_t>& sparse = m_parts[index].sparse;
+        sparse.clear();
+        for (std::size_t i = firstOf(index); i < firstOf(index + 1); ++i) {
+            if (m_places[i] != outside && isSparseAt(m_places[i])) {
+                sparse.push_back(m_places[i]);
             }
         }
     });
+}
+
+void PointRaster::stampRings(
+    PixelPicture& picture, const Part& part, const std::pair<int, int>& rows, const Ring& ring)
+{
+    const auto [first, last] = rows;
+    const int side = ring.whole.side();
+    for (const std::uint32_t place : part.sparse) {
+        const int row = rowOf(place);
+        // None if the marker is in other rows.
+        for (int y = std::max(first, row); y < std::min(last, row + side); ++y) {
+            const std::uint32_t* const sprite = ring.sprite.data() + (y - row) * side;
+            std::uint32_t* const pixels = picture.row(y) + columnOf(place);
+            const std::uint16_t* const marks = m_overlap.data()
+                + static_cast<std::size_t>(y) * static_cast<std::size_t>(m_stride)
+                + columnOf(place);
+            for (int x = 0; x < side; ++x) {
+                if (sprite[x] != 0 && marks[x] <= threshold) {
+                    pixels[x] = over(sprite[x], pixels[x]);
+                }
+            }
+        }
+    }
 }
 
 void PointRaster::paintColoredDiscs(
@@ -728,7 +750,6 @@ void PointRaster::sortByBand(
     int channels)
 {
     const auto bandCount = static_cast<std::size_t>(picture.rows() >> bandBits) + 1;
-    const auto count = static_cast<vtkIdType>(m_places.size());
     const std::uint32_t outside = outsideOf(picture.rows());
     const auto forEachBand = [&](std::uint32_t place, auto&& function) {
         if (place != outside) {
@@ -738,16 +759,12 @@ void PointRaster::sortByBand(
             }
         }
     };
-    const auto firstOf = [&](std::size_t part) {
-        return count * static_cast<vtkIdType>(part) / static_cast<vtkIdType>(m_partCount);
-    };
     // First how many each thread finds for each band, then where they go: in the order of the points.
     forEachAtOnce(m_partCount, [&](std::size_t index) {
         std::vector<std::size_t>& next = m_parts[index].next;
         next.assign(bandCount, 0);
-        for (vtkIdType i = firstOf(index); i < firstOf(index + 1); ++i) {
-            forEachBand(
-                m_places[static_cast<std::size_t>(i)], [&](std::size_t band) { ++next[band]; });
+        for (std::size_t i = firstOf(index); i < firstOf(index + 1); ++i) {
+            forEachBand(m_places[i], [&](std::size_t band) { ++next[band]; });
         }
     });
     m_bandEnds.resize(bandCount);
@@ -763,13 +780,14 @@ void PointRaster::sortByBand(
     }
     forEachAtOnce(m_partCount, [&](std::size_t index) {
         std::vector<std::size_t>& next = m_parts[index].next;
-        for (vtkIdType i = firstOf(index); i < firstOf(index + 1); ++i) {
-            const std::uint32_t place = m_places[static_cast<std::size_t>(i)];
+        for (std::size_t i = firstOf(index); i < firstOf(index + 1); ++i) {
+            const std::uint32_t place = m_places[i];
             if (place == outside) {
                 continue;
             }
-            const std::uint32_t color = bytesOf(
-                colors + channels * (points.rows == nullptr ? i : points.rows[i]), channels);
+            const vtkIdType row =
+                points.rows == nullptr ? static_cast<vtkIdType>(i) : points.rows[i];
+            const std::uint32_t color = bytesOf(colors + channels * row, channels);
             forEachBand(place, [&](std::size_t band) { m_colored[next[band]++] = {place, color}; });
         }
     });

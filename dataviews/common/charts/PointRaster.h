@@ -11,6 +11,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <optional>
+#include <utility>
 #include <vector>
 
 /// Paints very many markers of points into a picture.
@@ -122,6 +123,15 @@ private:
             != 0;
     }
 
+    /// The first of the painted points that a thread looks at.
+    [[nodiscard]] std::size_t firstOf(std::size_t part) const
+    {
+        return m_places.size() * part / m_partCount;
+    }
+
+    void findSparsePoints(const PixelPicture& picture);
+    void stampRings(
+        PixelPicture& picture, const Part& part, const std::pair<int, int>& rows, const Ring& ring);
     [[nodiscard]] std::vector<int> evenRows(int first, int last) const;
     void sortByBand(
         const PixelPicture& picture,
