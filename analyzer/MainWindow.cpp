@@ -712,16 +712,16 @@ void MainWindow::choosePicture()
 void MainWindow::exportPictureWithProgress(
     AnalyzerViewInterface& view, const std::string& path, const PictureOptions& options)
 {
-    if (pictureFormat(path) != PictureFormat::Png) {
+    const auto picture = [&] {
         const CvWaitCursor wait;
-        exportPicture(view, path, options);
-        return;
+        return std::make_unique<const ViewPicture>(view, pictureFormat(path), options);
+    }();
+    const QString title = tr("Export Picture");
+    const bool isDone = runWithProgress(
+        *this, title, [&](const auto& progress) { return writePicture(*picture, path, progress); });
+    if (!isDone) {
+        statusBar()->showMessage(tr("Cancelled: %1").arg(title), remarkTime);
     }
-    // To pack the pixels takes longer than to paint them, and wants nothing of the view.
-    const QImage picture = pictureOf(view, options);
-    runWithProgress(*this, tr("Export Picture"), [&](const auto& progress) {
-        return writePicture(picture, path, [&] { return progress(0.5); });
-    });
 }
 
 QString MainWindow::chooseFileToWrite(
