@@ -1263,15 +1263,12 @@ void MainWindow::exportPipelineTable(
 {
     const CvWaitCursor wait;
     m_pipeline->output().Update();
-    try {
-        if (!SurrogateModelCSVExporter().writeCSVFile(
-                &m_pipeline->output(), QFile::encodeName(path).toStdString(), progress)) {
-            throw ExceptionBase("\"" + path.toStdString() + "\" cannot be opened for writing.");
-        }
-    } catch (const StepProgress::Cancelled&) {
-        QFile::remove(path);
-        throw;
-    }
+    ReplacementFile file(path.toStdString());
+    SurrogateModelCSVExporter().writeCSV(
+        &m_pipeline->output(),
+        [&file](const std::string& text) { file.write(text.data(), text.size()); },
+        progress);
+    file.commit();
 }
 
 void MainWindow::showReport()
