@@ -384,11 +384,6 @@ void MainWindow::exportReport(
         shown.push_back(view.get());
     }
     const QString date = QLocale::c().toString(QDate::currentDate(), QStringLiteral("d MMMM yyyy"));
-    const auto beforePicture = [&](std::size_t made) {
-        if (progress) {
-            progress(static_cast<double>(made) / static_cast<double>(shown.size()));
-        }
-    };
     writeHtmlReport(
         path.toStdString(),
         makeReport(
@@ -397,7 +392,7 @@ void MainWindow::exportReport(
             shown,
             *m_selection->cases(),
             date.toStdString(),
-            beforePicture));
+            progress));
 }
 
 void MainWindow::selectAll()
