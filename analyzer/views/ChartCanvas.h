@@ -2,6 +2,11 @@
 
 #include <QVTKOpenGLNativeWidget.h>
 
+#include <vtkWeakPointer.h>
+
+class vtkContextScene;
+class vtkContextView;
+
 namespace analyzer {
 
 /// The widget that a chart is painted in.
@@ -13,10 +18,20 @@ class ChartCanvas : public QVTKOpenGLNativeWidget
 public:
     using QVTKOpenGLNativeWidget::QVTKOpenGLNativeWidget;
 
+    /// Paints the scene of \p view, which has the render window of this widget, when it is marked as dirty: with whatever
+    /// else of the window has changed, so that the window is put together once. Not while the widget is hidden; what was
+    /// marked meanwhile is painted when it is shown.
+    void paintMarkedSceneOf(vtkContextView& view);
+
 protected:
     bool event(QEvent* event) override;
 
 private:
+    void requestPainting();
+    [[nodiscard]] bool needsPainting() const;
+
+    vtkWeakPointer<vtkContextScene> m_scene; ///< null until there is one to follow
+    bool m_isRequested = false;
     bool m_takesShape = false;
     bool m_isStale = false; ///< a painting was put off
 };

@@ -1,7 +1,6 @@
 #include <analyzer/views/AxisMapping.h>
 #include <analyzer/views/AxisState.h>
 #include <analyzer/views/ChartBand.h>
-#include <analyzer/views/ChartCanvas.h>
 #include <analyzer/views/ChartViewAbstract.h>
 #include <analyzer/views/ChoiceSetting.h>
 #include <analyzer/views/HoveredCase.h>
@@ -648,7 +647,7 @@ void ChartViewAbstract::applyAppearance()
 
 void ChartViewAbstract::markForPainting()
 {
-    // VTK paints marked scenes from a timer, so that many marks make one picture.
+    // The canvas paints a marked scene once, however often it was marked.
     m_chart->GetScene()->SetDirty(true);
 }
 
@@ -733,6 +732,7 @@ void ChartViewAbstract::buildChart()
     window->SetMultiSamples(0);
     m_widget->setRenderWindow(window);
     m_view->SetRenderWindow(window);
+    m_widget->paintMarkedSceneOf(*m_view);
     m_view->GetScene()->AddItem(m_chart);
     m_chart->SetRenderEmpty(true);
     m_chart->setLegendsFollowSize(true);

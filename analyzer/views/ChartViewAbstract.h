@@ -2,6 +2,7 @@
 
 #include <analyzer/views/AnalyzerViewInterface.h>
 #include <analyzer/views/AxisState.h>
+#include <analyzer/views/ChartCanvas.h>
 #include <analyzer/views/ChartHover.h>
 #include <analyzer/views/NotDrawnCases.h>
 #include <analyzer/views/ViewServices.h>
@@ -19,7 +20,6 @@
 #include <QObject>
 #include <QPoint>
 #include <QPointer>
-#include <QVTKOpenGLNativeWidget.h>
 
 #include <vtkNew.h>
 #include <vtkSmartPointer.h>
@@ -301,7 +301,7 @@ private:
 
     const DataPipelineManagerInterface& m_pipeline;
     boost::shared_ptr<SelectionModelInterface> m_selection;
-    QPointer<QVTKOpenGLNativeWidget> m_widget;
+    QPointer<ChartCanvas> m_widget;
     vtkNew<vtkContextView> m_view;
     vtkSmartPointer<ChartXY> m_chart;
     vtkSmartPointer<RasterPlotPoints> m_filteredOutPlot;

@@ -1,7 +1,6 @@
 #include <analyzer/views/Chart3D.h>
 #include <analyzer/views/Chart3DColors.h>
 #include <analyzer/views/Chart3DMouse.h>
-#include <analyzer/views/ChartCanvas.h>
 #include <analyzer/views/ChartHover.h>
 #include <analyzer/views/ChoiceSetting.h>
 #include <analyzer/views/HoveredCase.h>
@@ -393,6 +392,7 @@ void ScatterPlot3DView::buildChart()
     window->SetMultiSamples(0);
     m_widget->setRenderWindow(window);
     m_view->SetRenderWindow(window);
+    m_widget->paintMarkedSceneOf(*m_view);
     m_view->GetScene()->AddItem(m_chart);
     m_chart->setLegendsFollowSize(true);
     m_plot->SetVisible(false);
@@ -719,7 +719,7 @@ void ScatterPlot3DView::applyAppearance()
 
 void ScatterPlot3DView::markForPainting()
 {
-    // VTK paints marked scenes from a timer, so that many marks make one picture.
+    // The canvas paints a marked scene once, however often it was marked.
     m_chart->GetScene()->SetDirty(true);
 }
 

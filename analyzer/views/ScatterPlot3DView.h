@@ -2,6 +2,7 @@
 
 #include <analyzer/views/AnalyzerViewInterface.h>
 #include <analyzer/views/Chart3DCamera.h>
+#include <analyzer/views/ChartCanvas.h>
 #include <analyzer/views/NotDrawnCases.h>
 #include <analyzer/views/ScatterPlot3DInterface.h>
 #include <analyzer/views/ViewServices.h>
@@ -14,7 +15,6 @@
 #include <QObject>
 #include <QPoint>
 #include <QPointer>
-#include <QVTKOpenGLNativeWidget.h>
 
 #include <vtkNew.h>
 #include <vtkSmartPointer.h>
@@ -147,7 +147,7 @@ private:
     [[nodiscard]] float devicePixels(double size) const;
 
     const DataPipelineManagerInterface& m_pipeline;
-    QPointer<QVTKOpenGLNativeWidget> m_widget;
+    QPointer<ChartCanvas> m_widget;
     vtkNew<vtkContextView> m_view;
     vtkSmartPointer<Chart3D> m_chart;
     vtkSmartPointer<Scatter3DPlot> m_plot;

@@ -20,15 +20,18 @@
 #include <QAction>
 #include <QCoreApplication>
 #include <QDockWidget>
+#include <QEvent>
 #include <QHeaderView>
 #include <QMenu>
 #include <QMenuBar>
 #include <QScrollBar>
+#include <QTableWidget>
 #include <QVTKOpenGLNativeWidget.h>
 
 #include <boost/pointer_cast.hpp>
 
 #include <algorithm>
+#include <chrono>
 #include <fstream>
 #include <limits>
 #include <optional>
@@ -75,6 +78,38 @@ double residentBytes()
     file >> pages >> residentPages;
     return static_cast<double>(residentPages) * static_cast<double>(sysconf(_SC_PAGESIZE));
 }
+
+/// Notes how long after it was made the preview of a study that is being read is painted with rows.
+class FirstRows : public QObject
+{
+public:
+    explicit FirstRows(MainWindow& window)
+        : m_table(
+            window.findChild<QWidget*>(QStringLiteral("StudyPreview"))->findChild<QTableWidget*>())
+        , m_begin(Clock::now())
+    {
+        m_table->viewport()->installEventFilter(this);
+    }
+
+    /// Less than 0 if they have not been painted.
+    [[nodiscard]] double milliseconds() const { return m_milliseconds; }
+
+    bool eventFilter(QObject* watched, QEvent* event) override
+    {
+        if (event->type() == QEvent::Paint && m_table->rowCount() > 0 && m_milliseconds < 0.0) {
+            m_milliseconds =
+                std::chrono::duration<double, std::milli>(Clock::now() - m_begin).count();
+        }
+        return QObject::eventFilter(watched, event);
+    }
+
+private:
+    using Clock = std::chrono::steady_clock;
+
+    QTableWidget* m_table;
+    Clock::time_point m_begin;
+    double m_milliseconds = -1.0;
+};
 
 /// A text as part of a name: "Open Study…" as "open_study".
 std::string asName(QString text)
@@ -148,7 +183,11 @@ public:
     void open()
     {
         const double before = residentBytes();
+        const FirstRows firstRows(m_window);
         m_walk.measure("open_study", [this] { m_window.openStudy(m_study.path()); });
+        if (firstRows.milliseconds() >= 0.0) {
+            m_walk.count("first_rows_ms", firstRows.milliseconds());
+        }
         if (Project::project().caseCount() == 0) {
             throw std::runtime_error("The study has not been opened.");
         }

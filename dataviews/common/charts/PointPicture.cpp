@@ -13,12 +13,14 @@ constexpr int pixelsAtOnce = 1 << 21;
 PointPicture::PointPicture(const PointsInPicture& points, int width, int height)
     : m_look(points)
     , m_coordinates(points.points.coordinates, points.points.coordinates + 2 * points.points.count)
-    , m_marked(points.marked, points.marked + points.markedCount)
     , m_width(width)
     , m_height(height)
 {
     m_look.points.coordinates = m_coordinates.data();
-    m_look.marked = m_marked.data();
+    if (points.marked != nullptr) {
+        m_marked.assign(points.marked, points.marked + points.markedCount);
+        m_look.marked = m_marked.data();
+    }
     if (points.colors != nullptr) {
         m_colors.assign(points.colors, points.colors + points.channels * points.points.count);
         m_look.colors = m_colors.data();

@@ -1,7 +1,6 @@
 #include <dataviews/common/charts/PointSearch.h>
 
 #include <vtkAxis.h>
-#include <vtkContextPolygon.h>
 #include <vtkIdTypeArray.h>
 #include <vtkPoints2D.h>
 #include <vtkRect.h>
@@ -72,21 +71,6 @@ void forEachIn(const float* points, vtkIdType count, const Box& box, Found found
     }
 }
 
-/// The smallest box around \p polygon.
-Box boundsOf(const vtkContextPolygon& polygon)
-{
-    const vtkVector2f& first = polygon.GetPoint(0);
-    Box box{first.GetX(), first.GetY(), first.GetX(), first.GetY()};
-    for (vtkIdType i = 1; i < polygon.GetNumberOfPoints(); ++i) {
-        const vtkVector2f& corner = polygon.GetPoint(i);
-        box.minX = std::min(box.minX, corner.GetX());
-        box.maxX = std::max(box.maxX, corner.GetX());
-        box.minY = std::min(box.minY, corner.GetY());
-        box.maxY = std::max(box.maxY, corner.GetY());
-    }
-    return box;
-}
-
 } // namespace
 
 PointSearch::PointSearch() = default;
@@ -150,8 +134,15 @@ bool PointSearch::prepareIndex(vtkPoints2D& points, const Box& box, const Box& v
 
 std::vector<vtkIdType> PointSearch::rowsIn(vtkPoints2D& points, const Box& box, const Box& view)
 {
+    find(points, box, view);
+    return m_found;
+}
+
+void PointSearch::find(vtkPoints2D& points, const Box& box, const Box& view)
+{
     const float* const coordinates = coordinatesOf(points);
-    std::vector<vtkIdType> rows;
+    std::vector<vtkIdType>& rows = m_found;
+    rows.clear();
     if (prepareIndex(points, box, view)) {
         m_index.visit(box, [&](vtkIdType row) {
             if (isIn(coordinates + 2 * row, box)) {
@@ -164,30 +155,14 @@ std::vector<vtkIdType> PointSearch::rowsIn(vtkPoints2D& points, const Box& box, 
             rows.push_back(row);
         });
     }
-    return rows;
 }
 
 void PointSearch::select(
     vtkPoints2D& points, const Box& box, const Box& view, vtkIdTypeArray& selection)
 {
-    const std::vector<vtkIdType> rows = rowsIn(points, box, view);
-    selection.SetNumberOfValues(static_cast<vtkIdType>(rows.size()));
-    std::copy(rows.begin(), rows.end(), selection.GetPointer(0));
-    selection.Modified();
-}
-
-void PointSearch::select(
-    vtkPoints2D& points, const vtkContextPolygon& polygon, vtkIdTypeArray& selection)
-{
-    selection.SetNumberOfValues(0);
-    if (polygon.GetNumberOfPoints() > 0) {
-        const float* const coordinates = coordinatesOf(points);
-        forEachIn(coordinates, points.GetNumberOfPoints(), boundsOf(polygon), [&](vtkIdType row) {
-            if (polygon.Contains({coordinates[2 * row], coordinates[2 * row + 1]})) {
-                selection.InsertNextValue(row);
-            }
-        });
-    }
+    find(points, box, view);
+    selection.SetNumberOfValues(static_cast<vtkIdType>(m_found.size()));
+    std::copy(m_found.begin(), m_found.end(), selection.GetPointer(0));
     selection.Modified();
 }
 
@@ -205,7 +180,8 @@ vtkIdType PointSearch::nearest(
         point.GetY() + tolerance.GetY()};
     const float* const coordinates = coordinatesOf(points);
     vtkIdType nearest = -1;
-    for (const vtkIdType row : rowsIn(points, box, view)) {
+    find(points, box, view);
+    for (const vtkIdType row : m_found) {
         const float* const place = coordinates + 2 * row;
         const bool isWithin = place[0] > box.minX && place[0] < box.maxX && place[1] > box.minY
             && place[1] < box.maxY;

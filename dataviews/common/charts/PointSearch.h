@@ -9,7 +9,6 @@
 #include <vector>
 
 class vtkAxis;
-class vtkContextPolygon;
 class vtkIdTypeArray;
 class vtkPoints2D;
 class vtkRectd;
@@ -42,10 +41,6 @@ public:
         const PointCellIndex::Box& view,
         vtkIdTypeArray& selection);
 
-    /// Likewise for those in \p polygon.
-    static void select(
-        vtkPoints2D& points, const vtkContextPolygon& polygon, vtkIdTypeArray& selection);
-
     /// The leftmost point that is less than \p tolerance away from \p point along each axis, and the first row of
     /// several; -1 if there is none.
     [[nodiscard]] vtkIdType nearest(
@@ -59,6 +54,10 @@ private:
     [[nodiscard]] bool prepareIndex(
         vtkPoints2D& points, const PointCellIndex::Box& box, const PointCellIndex::Box& view);
 
+    /// Fills m_found in ascending order.
+    void find(vtkPoints2D& points, const PointCellIndex::Box& box, const PointCellIndex::Box& view);
+
+    std::vector<vtkIdType> m_found; ///< keeps its memory for the next search
     PointCellIndex m_index;
     const void* m_indexOf = nullptr;
     vtkMTimeType m_indexTime = 0;

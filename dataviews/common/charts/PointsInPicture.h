@@ -18,7 +18,7 @@ struct PointsInPicture
     PointRaster::Points points = {}; ///< all of them
     const unsigned char* colors = nullptr; ///< of each point; null if all have that of the pen
     int channels = 0; ///< of colors
-    const vtkIdType* marked = nullptr; ///< the rows of the selected points
+    const vtkIdType* marked = nullptr; ///< the rows of the selected points; null for all
     vtkIdType markedCount = 0;
     std::array<unsigned char, 4> color = {}; ///< of the pen
     std::array<unsigned char, 4> markColor = {}; ///< of the marks, where there are no rings

@@ -68,6 +68,16 @@ std::array<unsigned char, 4> colorOf(vtkPen& pen)
     return color;
 }
 
+/// Whether \p rows are the numbers from 0 on.
+bool areInOrder(const std::vector<vtkIdType>& rows)
+{
+    vtkIdType difference = 0;
+    for (std::size_t i = 0; i < rows.size(); ++i) {
+        difference |= rows[i] ^ static_cast<vtkIdType>(i);
+    }
+    return difference == 0;
+}
+
 PointsInPicture inPicture(const PointsPainter::Look& look)
 {
     PointsInPicture result;
@@ -202,9 +212,14 @@ bool PointsPainter::paintMarks(const MarkKey& key, const PointsInPicture& points
     }
     if (!isSame) {
         m_marks.assign(rows, rows + count);
+        m_marksAreInOrder = areInOrder(m_marks);
     }
     m_markKey = key;
     m_marked = m_plain;
-    points.paintMarks(m_raster, m_marked);
+    PointsInPicture marked = points;
+    if (m_marksAreInOrder && count == points.points.count) {
+        marked.marked = nullptr;
+    }
+    marked.paintMarks(m_raster, m_marked);
     return true;
 }

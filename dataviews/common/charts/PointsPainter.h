@@ -91,4 +91,5 @@ private:
     std::optional<PlainKey> m_plainKey;
     std::optional<MarkKey> m_markKey; ///< empty while nothing is marked
     std::vector<vtkIdType> m_marks; ///< the rows that are marked
+    bool m_marksAreInOrder = false; ///< they are the numbers from 0 on
 };

@@ -54,7 +54,7 @@ public:
         return true;
     }
 
-    /// Finds what \p Plot finds, here and in the following; a polygon's rows are in ascending order.
+    /// Finds what \p Plot finds, here and in the following.
     bool SelectPoints(const vtkVector2f& min, const vtkVector2f& max) override
     {
         if (!hasManyPoints()) {
@@ -63,16 +63,6 @@ public:
         vtkIdTypeArray& selection = editedSelection();
         m_search.select(
             *this->Points, {min.GetX(), min.GetY(), max.GetX(), max.GetY()}, view(), selection);
-        return selection.GetNumberOfValues() > 0;
-    }
-
-    bool SelectPointsInPolygon(const vtkContextPolygon& polygon) override
-    {
-        if (!hasManyPoints()) {
-            return Plot::SelectPointsInPolygon(polygon);
-        }
-        vtkIdTypeArray& selection = editedSelection();
-        PointSearch::select(*this->Points, polygon, selection);
         return selection.GetNumberOfValues() > 0;
     }
 

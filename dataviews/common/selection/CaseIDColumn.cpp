@@ -5,6 +5,7 @@
 #include <vtkVariant.h>
 
 #include <algorithm>
+#include <array>
 #include <cstdint>
 #include <limits>
 #include <type_traits>
@@ -60,6 +61,26 @@ private:
 };
 
 constexpr vtkIdType rowsPerWord = 64;
+constexpr unsigned bitsPerByte = 8;
+
+/// The places of the set bits of a byte.
+struct SetBits
+{
+    std::array<std::uint8_t, bitsPerByte> places{};
+    std::uint8_t count = 0;
+};
+
+constexpr std::array<SetBits, 256> setBits = [] {
+    std::array<SetBits, 256> bytes{};
+    for (std::size_t byte = 0; byte < bytes.size(); ++byte) {
+        for (std::uint8_t bit = 0; bit < bitsPerByte; ++bit) {
+            if ((byte >> bit & 1U) != 0) {
+                bytes[byte].places[bytes[byte].count++] = bit;
+            }
+        }
+    }
+    return bytes;
+}();
 
 /// One bit for each of the \p count rows from \p first on that \p matches.
 template <class Predicate>
@@ -341,10 +362,26 @@ vtkSmartPointer<vtkIdTypeArray> CaseIDColumn::toRows(const std::vector<std::uint
     rows->SetNumberOfComponents(1);
     rows->SetNumberOfValues(count);
     vtkIdType* next = rows->GetPointer(0);
+    const vtkIdType* const end = next + count;
     vtkIdType first = 0;
     for (const std::uint64_t word : words) {
-        for (std::uint64_t bits = word; bits != 0; bits &= bits - 1) {
-            *next++ = first + __builtin_ctzll(bits);
+        vtkIdType row = first;
+        for (std::uint64_t bits = word; bits != 0; bits >>= bitsPerByte) {
+            const SetBits& byte = setBits[bits & 0xFFU];
+            // All eight while there is room: those behind the last bit are written over by the next ones.
+            const auto written =
+                static_cast<std::size_t>(std::min<vtkIdType>(end - next, bitsPerByte));
+            if (written == bitsPerByte) {
+                for (std::size_t i = 0; i < bitsPerByte; ++i) {
+                    next[i] = row + byte.places[i];
+                }
+            } else {
+                for (std::size_t i = 0; i < written; ++i) {
+                    next[i] = row + byte.places[i];
+                }
+            }
+            next += byte.count;
+            row += bitsPerByte;
         }
         first += rowsPerWord;
     }

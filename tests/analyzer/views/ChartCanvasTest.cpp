@@ -4,6 +4,8 @@
 
 #include <vtkCallbackCommand.h>
 #include <vtkCommand.h>
+#include <vtkContextScene.h>
+#include <vtkContextView.h>
 #include <vtkGenericOpenGLRenderWindow.h>
 #include <vtkNew.h>
 #include <vtkRenderer.h>
@@ -15,6 +17,14 @@ namespace {
 void countFrame(vtkObject* /*caller*/, unsigned long /*event*/, void* count, void* /*data*/)
 {
     ++*static_cast<int*>(count);
+}
+
+void count(int& frames, vtkRenderer& renderer)
+{
+    const vtkNew<vtkCallbackCommand> counter;
+    counter->SetClientData(&frames);
+    counter->SetCallback(countFrame);
+    renderer.AddObserver(vtkCommand::EndEvent, counter);
 }
 
 } // namespace
@@ -33,10 +43,7 @@ TEST(ChartCanvasTest, PaintsOnceItsSizeHasSettled)
     ASSERT_TRUE(QTest::qWaitForWindowExposed(&parent));
     QCoreApplication::processEvents();
     int frames = 0;
-    vtkNew<vtkCallbackCommand> counter;
-    counter->SetClientData(&frames);
-    counter->SetCallback(countFrame);
-    renderer->AddObserver(vtkCommand::EndEvent, counter);
+    count(frames, *renderer);
 
     for (const int side : {120, 90, 200}) {
         canvas->resize(side, side);
@@ -46,4 +53,40 @@ TEST(ChartCanvasTest, PaintsOnceItsSizeHasSettled)
 
     EXPECT_GE(frames, 1);
     EXPECT_EQ(window->GetSize()[0], 200 * qRound(canvas->devicePixelRatioF()));
+}
+
+TEST(ChartCanvasTest, PaintsAMarkedSceneOnceBeforeTheWindowAndNotWhileItIsHidden)
+{
+    analyzer::ChartCanvas canvas;
+    const vtkNew<vtkGenericOpenGLRenderWindow> window;
+    const vtkNew<vtkContextView> view;
+    canvas.setRenderWindow(window);
+    view->SetRenderWindow(window);
+    canvas.paintMarkedSceneOf(*view);
+    canvas.resize(200, 150);
+    canvas.show();
+    ASSERT_TRUE(QTest::qWaitForWindowExposed(&canvas));
+    QCoreApplication::processEvents();
+    vtkContextScene& scene = *view->GetScene();
+    ASSERT_FALSE(scene.GetDirty());
+    int frames = 0;
+    count(frames, *view->GetRenderer());
+
+    scene.SetDirty(true);
+    scene.SetDirty(true);
+    EXPECT_EQ(frames, 0);
+    QCoreApplication::sendPostedEvents(); // but no timers
+    EXPECT_EQ(frames, 1);
+    EXPECT_FALSE(scene.GetDirty());
+    QCoreApplication::processEvents();
+    EXPECT_EQ(frames, 1);
+
+    canvas.hide();
+    scene.SetDirty(true);
+    QCoreApplication::processEvents();
+    EXPECT_EQ(frames, 1);
+    canvas.show();
+    ASSERT_TRUE(QTest::qWaitForWindowExposed(&canvas));
+    QCoreApplication::processEvents();
+    EXPECT_EQ(frames, 2);
 }

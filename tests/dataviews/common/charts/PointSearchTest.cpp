@@ -1,5 +1,6 @@
 #include <dataviews/common/charts/ChartXY.h>
 #include <dataviews/common/charts/RasterPlotPoints.h>
+#include <dataviews/common/charts/RingedPlotPoints.h>
 
 #include <vtkAxis.h>
 #include <vtkContextPolygon.h>
@@ -58,7 +59,7 @@ TEST(PointSearchTest, SelectsWhatVTKSelectsInTheSameArray)
 {
     std::mt19937 random(1);
     const auto table = randomTable(random, 50.0);
-    vtkNew<RasterPlotPoints> ours;
+    vtkNew<RingedPlotPoints> ours;
     vtkNew<vtkPlotPoints> plain;
     const vtkNew<vtkIdTypeArray> rows;
     for (vtkPlotPoints* plot : {static_cast<vtkPlotPoints*>(ours), plain.Get()}) {
