@@ -12,8 +12,8 @@
 namespace {
 
 // More pixels than are painted at once.
-constexpr int width = 3000;
-constexpr int height = 2200;
+constexpr int width = 2000;
+constexpr int height = 1100;
 
 class PointPictureTest : public testing::Test
 {
@@ -23,7 +23,7 @@ protected:
         std::mt19937 random(7);
         std::normal_distribution<float> place(0.0F, 0.4F);
         std::uniform_int_distribution<int> byte(0, 255);
-        constexpr int count = 40000;
+        constexpr int count = 15000;
         for (int i = 0; i < count; ++i) {
             m_coordinates.push_back(place(random));
             m_coordinates.push_back(place(random));
