@@ -384,11 +384,6 @@ void MainWindow::exportReport(
         shown.push_back(view.get());
     }
     const QString date = QLocale::c().toString(QDate::currentDate(), QStringLiteral("d MMMM yyyy"));
-    const auto beforePicture = [&](std::size_t made) {
-        if (progress) {
-            progress(static_cast<double>(made) / static_cast<double>(shown.size()));
-        }
-    };
     writeHtmlReport(
         path.toStdString(),
         makeReport(
@@ -397,7 +392,7 @@ void MainWindow::exportReport(
             shown,
             *m_selection->cases(),
             date.toStdString(),
-            beforePicture));
+            progress));
 }
 
 void MainWindow::selectAll()
@@ -712,16 +707,16 @@ void MainWindow::choosePicture()
 void MainWindow::exportPictureWithProgress(
     AnalyzerViewInterface& view, const std::string& path, const PictureOptions& options)
 {
-    if (pictureFormat(path) != PictureFormat::Png) {
+    const auto picture = [&] {
         const CvWaitCursor wait;
-        exportPicture(view, path, options);
-        return;
+        return std::make_unique<const ViewPicture>(view, pictureFormat(path), options);
+    }();
+    const QString title = tr("Export Picture");
+    const bool isDone = runWithProgress(
+        *this, title, [&](const auto& progress) { return writePicture(*picture, path, progress); });
+    if (!isDone) {
+        statusBar()->showMessage(tr("Cancelled: %1").arg(title), remarkTime);
     }
-    // To pack the pixels takes longer than to paint them, and wants nothing of the view.
-    const QImage picture = pictureOf(view, options);
-    runWithProgress(*this, tr("Export Picture"), [&](const auto& progress) {
-        return writePicture(picture, path, [&] { return progress(0.5); });
-    });
 }
 
 QString MainWindow::chooseFileToWrite(
@@ -1263,15 +1258,12 @@ void MainWindow::exportPipelineTable(
 {
     const CvWaitCursor wait;
     m_pipeline->output().Update();
-    try {
-        if (!SurrogateModelCSVExporter().writeCSVFile(
-                &m_pipeline->output(), QFile::encodeName(path).toStdString(), progress)) {
-            throw ExceptionBase("\"" + path.toStdString() + "\" cannot be opened for writing.");
-        }
-    } catch (const StepProgress::Cancelled&) {
-        QFile::remove(path);
-        throw;
-    }
+    ReplacementFile file(path.toStdString());
+    SurrogateModelCSVExporter().writeCSV(
+        &m_pipeline->output(),
+        [&file](const std::string& text) { file.write(text.data(), text.size()); },
+        progress);
+    file.commit();
 }
 
 void MainWindow::showReport()

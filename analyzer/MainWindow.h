@@ -137,9 +137,9 @@ public:
     void exportCases(const QString& path, ExportedCases cases, bool forSpreadsheets = false) const;
 
     /// Writes the table of the cases shown, as charts get it, to \p path by VTK's writer: numbers have six digits.
-    /// \p progress, if there is one, is told the share that is written; it may throw to end the work, and the file is gone
-    /// then.
-    /// \throws ExceptionBase if the file cannot be opened.
+    /// \p progress, if there is one, is told the share that is written; it may throw to end the work, and the file is as it
+    /// was then.
+    /// \throws ExceptionBase if the file cannot be written; it is as it was then.
     void exportPipelineTable(
         const QString& path, const std::function<void(double)>& progress = {}) const;
 

@@ -2,6 +2,7 @@
 
 #include <QEventLoop>
 #include <QProgressDialog>
+#include <QPushButton>
 #include <QTimer>
 
 #include <atomic>
@@ -35,8 +36,20 @@ bool runWithProgress(QWidget& parent, const QString& title, const LongWork& work
         dialog.setAutoReset(false);
         dialog.setMinimumDuration(0);
         dialog.show();
-        QObject::connect(
-            &dialog, &QProgressDialog::canceled, &dialog, [&isCancelled] { isCancelled = true; });
+        // It would hide, but nothing may change until the work has ended.
+        const auto keepShown = [&dialog] {
+            dialog.setLabelText(QObject::tr("Cancelling…"));
+            for (QPushButton* button : dialog.findChildren<QPushButton*>()) {
+                button->setEnabled(false);
+            }
+            dialog.show();
+        };
+        const auto cancel = [&] {
+            isCancelled = true;
+            keepShown();
+        };
+        QObject::connect(&dialog, &QProgressDialog::canceled, &dialog, cancel);
+        QObject::connect(&dialog, &QDialog::rejected, &dialog, cancel);
         QEventLoop loop;
         QTimer timer;
         QObject::connect(&timer, &QTimer::timeout, &loop, [&] {
@@ -44,6 +57,8 @@ bool runWithProgress(QWidget& parent, const QString& title, const LongWork& work
                 loop.quit();
             } else if (!isCancelled) {
                 dialog.setValue(static_cast<int>(std::floor(done * (steps - 1))));
+            } else if (!dialog.isVisible()) {
+                keepShown(); // who closes a dialog hides it afterwards
             }
         });
         timer.start(interval);

@@ -13,7 +13,7 @@ namespace analyzer {
 using LongWork = std::function<bool(const std::function<bool(double)>&)>;
 
 /// Runs \p work in a thread of its own and waits for it. What takes longer than a moment shows a dialog called \p title over
-/// \p parent, which keeps the user from everything but cancelling. Returns and throws what \p work does.
+/// \p parent, which keeps the user from everything but cancelling until the work has ended. Returns and throws what \p work does.
 bool runWithProgress(QWidget& parent, const QString& title, const LongWork& work);
 
 } // namespace analyzer

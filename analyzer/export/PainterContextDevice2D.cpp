@@ -1,6 +1,8 @@
 #include <analyzer/export/PainterContextDevice2D.h>
 #include <analyzer/views/Scatter3DPicture.h>
 
+#include <dataviews/common/charts/PointPicture.h>
+
 #include <QFontMetricsF>
 #include <QPainterPath>
 #include <QString>
@@ -687,35 +689,133 @@ QPainter& PainterContextDevice2D::pointPainter(std::size_t count)
         return painter();
     }
     m_pointCount += count;
-    if (m_pointCount <= maxVectorPoints) {
+    if (m_pointCount <= maxVectorPoints && m_layer == nullptr) {
         return *m_painter;
     }
-    if (!m_layer) {
-        m_layer = std::make_unique<Layer>();
-        // From a whole pixel on, so that nothing is blurred.
-        m_layer->place = clip();
-        m_layer->place.setTopLeft(
-            {std::floor(m_layer->place.left() * m_target.scale) / m_target.scale,
-             std::floor(m_layer->place.top() * m_target.scale) / m_target.scale});
-        const QSizeF size = m_layer->place.size() * m_target.scale;
-        m_layer->image = QImage(
-            std::max(1, static_cast<int>(std::ceil(size.width()))),
-            std::max(1, static_cast<int>(std::ceil(size.height()))),
-            QImage::Format_ARGB32_Premultiplied);
-        m_layer->image.fill(Qt::transparent);
-        m_layer->place.setSize(QSizeF(m_layer->image.size()) / m_target.scale);
-        m_layer->painter = std::make_unique<QPainter>();
+    Layer& target = layer();
+    if (target.image.isNull()) {
+        target.image = QImage(target.size, QImage::Format_ARGB32_Premultiplied);
+        target.image.fill(Qt::transparent);
+        target.painter = std::make_unique<QPainter>();
         startLayerPainter();
     }
-    return *m_layer->painter;
+    return *target.painter;
+}
+
+QRectF PainterContextDevice2D::layerPlace() const
+{
+    // From a whole pixel on, so that nothing is blurred.
+    QRectF place = clip();
+    place.setTopLeft(
+        {std::floor(place.left() * m_target.scale) / m_target.scale,
+         std::floor(place.top() * m_target.scale) / m_target.scale});
+    const QSizeF size = place.size() * m_target.scale;
+    const QSize pixels(
+        std::max(1, static_cast<int>(std::ceil(size.width()))),
+        std::max(1, static_cast<int>(std::ceil(size.height()))));
+    place.setSize(QSizeF(pixels) / m_target.scale);
+    return place;
+}
+
+PainterContextDevice2D::Layer& PainterContextDevice2D::layer()
+{
+    if (!m_layer) {
+        m_layer = std::make_unique<Layer>();
+        m_layer->place = layerPlace();
+        m_layer->size = (m_layer->place.size() * m_target.scale).toSize();
+    }
+    return *m_layer;
+}
+
+void PainterContextDevice2D::finishImage(Layer& layer)
+{
+    if (layer.image.isNull()) {
+        return;
+    }
+    layer.painter->end();
+    layer.steps.emplace_back([image = std::exchange(layer.image, QImage())](
+                                 QImage& canvas, const PaintRecording::Progress& /*progress*/) {
+        QPainter(&canvas).drawImage(0, 0, image);
+        return true;
+    });
 }
 
 void PainterContextDevice2D::flushLayer()
 {
-    if (const std::unique_ptr<Layer> layer = std::move(m_layer)) {
-        layer->painter->end();
-        m_painter->drawImage(layer->place, layer->image);
+    const std::unique_ptr<Layer> layer = std::move(m_layer);
+    if (layer == nullptr) {
+        return;
     }
+    finishImage(*layer);
+    PaintRecording::drawLater(
+        *m_painter,
+        layer->place,
+        [size = layer->size,
+         steps = std::move(layer->steps)](const PaintRecording::Progress& progress) {
+            QImage canvas(size, QImage::Format_ARGB32_Premultiplied);
+            canvas.fill(Qt::transparent);
+            const double share = 1.0 / static_cast<double>(steps.size());
+            for (std::size_t i = 0; i < steps.size(); ++i) {
+                const bool goesOn = steps[i](canvas, [&](double fraction) {
+                    return progress((static_cast<double>(i) + fraction) * share);
+                });
+                if (!goesOn) {
+                    return QImage();
+                }
+            }
+            return canvas;
+        });
+}
+
+// ---- very many points
+
+bool PainterContextDevice2D::takesPicture(vtkIdType count) const
+{
+    // Pixels are those of the screen's way at any number: a chart looks the same with few and with many cases.
+    return !m_target.isVector || m_pointCount + static_cast<std::size_t>(count) > maxVectorPoints;
+}
+
+PointPictureDeviceInterface::Place PainterContextDevice2D::picturePlace() const
+{
+    const QRectF place = layerPlace();
+    const QSize size = (place.size() * m_target.scale).toSize();
+    Place result;
+    result.width = size.width();
+    result.height = size.height();
+    result.scale = static_cast<float>(m_target.scale);
+    // Rows of the picture count from the bottom, as those of the chart.
+    const double bottom = m_target.size.height() - place.bottom();
+    result.axes = {
+        PointRaster::axisOf(
+            m_matrix.m11() * m_target.scale,
+            (m_matrix.dx() - place.left()) * m_target.scale,
+            size.width()),
+        PointRaster::axisOf(
+            m_matrix.m22() * m_target.scale,
+            (m_matrix.dy() - bottom) * m_target.scale,
+            size.height())};
+    return result;
+}
+
+void PainterContextDevice2D::drawPicture(std::shared_ptr<const PointPicture> picture)
+{
+    Layer& target = layer();
+    finishImage(target);
+    target.steps.emplace_back(
+        [picture = std::move(picture)](QImage& canvas, const PaintRecording::Progress& progress) {
+            QPainter painter(&canvas);
+            return picture->paint(
+                [&](int y, const std::uint32_t* row) {
+                    const QImage line(
+                        reinterpret_cast<const unsigned char*>(row),
+                        picture->width(),
+                        1,
+                        picture->width() * static_cast<int>(sizeof(*row)),
+                        QImage::Format_RGBA8888_Premultiplied);
+                    painter.drawImage(0, canvas.height() - 1 - y, line);
+                },
+                progress);
+        });
 }
 
 // ---- texts

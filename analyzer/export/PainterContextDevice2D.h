@@ -1,5 +1,9 @@
 #pragma once
 
+#include <analyzer/export/PaintRecording.h>
+
+#include <dataviews/common/charts/PointPictureDeviceInterface.h>
+
 #include <QBrush>
 #include <QColor>
 #include <QFont>
@@ -28,8 +32,11 @@ namespace analyzer {
 /// Draws VTK's charts with a QPainter, so that one drawing serves pictures of pixels and of vectors at any scale.
 ///
 /// Texts take the room that VTK's own would take, so that a chart is laid out as it is on the screen. What lies outside
-/// of the clip is left out by geometry, for not all paint engines clip. Used on the GUI thread.
-class PainterContextDevice2D : public vtkContextDevice2D
+/// of the clip is left out by geometry, for not all paint engines clip. Very many points are painted as on the screen,
+/// later if the painter paints into a PaintRecording. Used on the GUI thread.
+class PainterContextDevice2D
+    : public vtkContextDevice2D
+    , public PointPictureDeviceInterface
 {
 public:
     vtkTypeMacro(PainterContextDevice2D, vtkContextDevice2D)
@@ -102,6 +109,12 @@ public:
     void SetClipping(int* rect) override;
     void EnableClipping(bool enable) override;
 
+    // ---- of the interface; plots call them
+
+    [[nodiscard]] bool takesPicture(vtkIdType count) const override;
+    [[nodiscard]] Place picturePlace() const override;
+    void drawPicture(std::shared_ptr<const PointPicture> picture) override;
+
     // ---- for what is drawn beside charts
 
     /// Draws \p text with the look of \p property, which is not rotated, in \p box, whose left and top are the lower left
@@ -118,12 +131,17 @@ protected:
     ~PainterContextDevice2D() override;
 
 private:
+    /// Paints over the picture of a layer; false if the progress ended it.
+    using LayerStep = std::function<bool(QImage&, const PaintRecording::Progress&)>;
+
     /// The picture in which very many points are gathered.
     struct Layer
     {
-        QImage image;
         QRectF place; ///< in the painter's units
-        std::unique_ptr<QPainter> painter;
+        QSize size; ///< in pixels
+        std::vector<LayerStep> steps; ///< below the image
+        QImage image; ///< null while nothing is drawn one by one
+        std::unique_ptr<QPainter> painter; ///< of the image
     };
 
     [[nodiscard]] QPointF mapped(const float* point) const;
@@ -134,9 +152,16 @@ private:
 
     /// The painter for so many points more: that of the layer once there are too many.
     QPainter& pointPainter(std::size_t count);
+
+    /// Where a layer lies, on whole pixels of the picture.
+    [[nodiscard]] QRectF layerPlace() const;
+    Layer& layer();
+
+    /// Makes a step of what has been drawn into the image.
+    static void finishImage(Layer& layer);
     void flushLayer();
 
-    [[nodiscard]] bool isInLayer() const { return m_layer != nullptr; }
+    [[nodiscard]] bool isInLayer() const { return m_layer != nullptr && !m_layer->image.isNull(); }
 
     void drawLine(QPainter& painter, const QPolygonF& line);
     void fill(QPolygonF shape, const QColor& color);

@@ -12,7 +12,6 @@
 #include <QMarginsF>
 #include <QPageLayout>
 #include <QPageSize>
-#include <QPaintEngine>
 #include <QPainter>
 #include <QPalette>
 #include <QPdfWriter>
@@ -22,6 +21,8 @@
 
 #include <algorithm>
 #include <cmath>
+#include <functional>
+#include <utility>
 
 namespace analyzer {
 
@@ -74,9 +75,12 @@ Geometry geometryOf(AnalyzerViewInterface& view, const PictureOptions& options)
     return {size, scale, dpi, screenDpi};
 }
 
+/// What paints with a painter whose units are pixels of the screen; false if it was ended.
+using PaintFunction = std::function<bool(QPainter&)>;
+
 /// Paints \p view with \p painter, whose units are pixels of the screen.
 void paintView(
-    AnalyzerViewInterface& view, QPainter& painter, const Geometry& geometry, bool isVector)
+    AnalyzerViewInterface& view, QPainter& painter, const Geometry& geometry, PictureFormat format)
 {
     QWidget& widget = view.widget();
     const QSizeF area = geometry.area();
@@ -94,7 +98,7 @@ void paintView(
     painter.scale(fit, fit);
     if (auto* chart = qobject_cast<QVTKOpenGLNativeWidget*>(&widget)) {
         if (isPaintableChart(*chart)) {
-            paintChart(*chart, painter, geometry.scale * fit, isVector);
+            paintChart(*chart, painter, geometry.scale * fit, format != PictureFormat::Png);
         } else {
             painter.setRenderHint(QPainter::SmoothPixmapTransform);
             painter.drawImage(QRectF(QPointF(0.0, 0.0), size), chart->grabFramebuffer());
@@ -104,8 +108,7 @@ void paintView(
     painter.setRenderHint(QPainter::SmoothPixmapTransform);
     constexpr QWidget::RenderFlags everything =
         QWidget::DrawWindowBackground | QWidget::DrawChildren;
-    if (painter.paintEngine()->type() == QPaintEngine::SVG
-        && qobject_cast<QTableView*>(&widget) == nullptr) {
+    if (format == PictureFormat::Svg && qobject_cast<QTableView*>(&widget) == nullptr) {
         // Qt's engine for SVG does not clip: images that are half scrolled away would lie over what is beside them.
         const double sharp = std::max(leastEmbeddedScale, geometry.scale * fit);
         QImage image(
@@ -124,26 +127,33 @@ void paintView(
     widget.render(&painter, QPoint(), QRegion(), everything);
 }
 
-QByteArray svgBytes(AnalyzerViewInterface& view, const Geometry& geometry)
+/// Whether paintView() comes down to shapes and images that a PaintRecording keeps: widgets clip what they draw.
+bool isRecordable(AnalyzerViewInterface& view, PictureFormat format)
+{
+    return qobject_cast<QVTKOpenGLNativeWidget*>(&view.widget()) != nullptr
+        || (format == PictureFormat::Svg && qobject_cast<QTableView*>(&view.widget()) == nullptr);
+}
+
+QByteArray svgBytes(const QString& title, const Geometry& geometry, const PaintFunction& paint)
 {
     QByteArray bytes;
     QBuffer buffer(&bytes);
     buffer.open(QIODevice::WriteOnly);
     QSvgGenerator generator;
     generator.setOutputDevice(&buffer);
-    generator.setTitle(QString::fromStdString(view.title()));
+    generator.setTitle(title);
     generator.setResolution(geometry.screenDpi);
     const QSizeF area = geometry.area();
     generator.setSize(
         {static_cast<int>(std::ceil(area.width())), static_cast<int>(std::ceil(area.height()))});
     generator.setViewBox(QRectF(QPointF(0.0, 0.0), area));
     QPainter painter(&generator);
-    paintView(view, painter, geometry, true);
+    const bool isWhole = paint(painter);
     painter.end();
-    return bytes;
+    return isWhole ? bytes : QByteArray();
 }
 
-QByteArray pdfBytes(AnalyzerViewInterface& view, const Geometry& geometry)
+QByteArray pdfBytes(const QString& title, const Geometry& geometry, const PaintFunction& paint)
 {
     QByteArray bytes;
     QBuffer buffer(&bytes);
@@ -152,7 +162,7 @@ QByteArray pdfBytes(AnalyzerViewInterface& view, const Geometry& geometry)
     constexpr int resolution = 1200;
     writer.setResolution(resolution);
     writer.setCreator(QStringLiteral("DataViews"));
-    writer.setTitle(QString::fromStdString(view.title()));
+    writer.setTitle(title);
     // Wide pages would be turned otherwise.
     QPageLayout layout(
         QPageSize(
@@ -167,12 +177,12 @@ QByteArray pdfBytes(AnalyzerViewInterface& view, const Geometry& geometry)
     QPainter painter(&writer);
     const double unit = static_cast<double>(resolution) / geometry.screenDpi;
     painter.scale(unit, unit);
-    paintView(view, painter, geometry, true);
+    const bool isWhole = paint(painter);
     painter.end();
-    return bytes;
+    return isWhole ? bytes : QByteArray();
 }
 
-QImage picture(AnalyzerViewInterface& view, const Geometry& geometry)
+QImage paintedImage(const Geometry& geometry, const PaintFunction& paint)
 {
     QImage image(geometry.size, QImage::Format_RGB32);
     if (image.isNull()) {
@@ -181,53 +191,161 @@ QImage picture(AnalyzerViewInterface& view, const Geometry& geometry)
     const int dotsPerMeter = static_cast<int>(std::lround(geometry.dpi * inchesPerMeter));
     QPainter painter(&image);
     painter.scale(geometry.scale, geometry.scale);
-    paintView(view, painter, geometry, false);
+    const bool isWhole = paint(painter);
     painter.end();
     // Afterwards: the painter would take it for the size of texts.
     image.setDotsPerMeterX(dotsPerMeter);
     image.setDotsPerMeterY(dotsPerMeter);
-    return image;
+    return isWhole ? image : QImage();
 }
 
-QByteArray pngBytes(const QImage& picture)
+/// Takes what is written as long as it may go on; whoever packs pixels ends at the first refusal.
+class InterruptibleBuffer : public QIODevice
 {
-    QByteArray bytes;
-    QBuffer buffer(&bytes);
-    buffer.open(QIODevice::WriteOnly);
-    if (!picture.save(&buffer, "PNG")) {
+public:
+    explicit InterruptibleBuffer(std::function<bool()> goesOn)
+        : m_goesOn(std::move(goesOn))
+    {
+        open(QIODevice::WriteOnly | QIODevice::Unbuffered);
+    }
+
+    [[nodiscard]] bool isInterrupted() const { return m_isInterrupted; }
+
+    [[nodiscard]] const QByteArray& bytes() const { return m_bytes; }
+
+protected:
+    qint64 readData(char* /*data*/, qint64 /*size*/) override { return -1; }
+
+    qint64 writeData(const char* data, qint64 size) override
+    {
+        m_isInterrupted = m_isInterrupted || !m_goesOn();
+        if (m_isInterrupted) {
+            return -1;
+        }
+        m_bytes.append(data, static_cast<int>(size));
+        return size;
+    }
+
+private:
+    std::function<bool()> m_goesOn;
+    QByteArray m_bytes;
+    bool m_isInterrupted = false;
+};
+
+QByteArray pngBytes(const QImage& picture, const std::function<bool()>& goesOn)
+{
+    InterruptibleBuffer buffer(goesOn);
+    if (picture.save(&buffer, "PNG")) {
+        return buffer.bytes();
+    }
+    if (!buffer.isInterrupted()) {
         throw ExceptionBase("The picture cannot be encoded as PNG.");
     }
-    return bytes;
+    return {};
+}
+
+bool goOn(double /*fraction*/)
+{
+    return true;
 }
 
 } // namespace
 
+struct ViewPicture::Content
+{
+    explicit Content(const Geometry& ofPicture)
+        : geometry(ofPicture)
+        , recording(
+              QSize(
+                  static_cast<int>(std::ceil(ofPicture.area().width())),
+                  static_cast<int>(std::ceil(ofPicture.area().height()))),
+              ofPicture.screenDpi)
+    {}
+
+    [[nodiscard]] PaintFunction replay(const Progress& progress) const
+    {
+        return [this, progress](QPainter& painter) { return recording.replay(painter, progress); };
+    }
+
+    Geometry geometry;
+    PictureFormat format = PictureFormat::Png;
+    QString title;
+    QByteArray bytes; ///< of what can only be painted at once, if it is no PNG
+    QImage image; ///< the same if it is
+    PaintRecording recording; ///< else
+};
+
+ViewPicture::ViewPicture(
+    AnalyzerViewInterface& view, PictureFormat format, const PictureOptions& options)
+{
+    auto content = std::make_unique<Content>(geometryOf(view, options));
+    content->format = format;
+    content->title = QString::fromStdString(view.title());
+    const Geometry& geometry = content->geometry;
+    const auto paint = [&](QPainter& painter) {
+        paintView(view, painter, geometry, format);
+        return true;
+    };
+    if (isRecordable(view, format)) {
+        QPainter painter(&content->recording);
+        paint(painter);
+    } else if (format == PictureFormat::Svg) {
+        content->bytes = svgBytes(content->title, geometry, paint);
+    } else if (format == PictureFormat::Pdf) {
+        content->bytes = pdfBytes(content->title, geometry, paint);
+    } else {
+        content->image = paintedImage(geometry, paint);
+    }
+    m_content = std::move(content);
+}
+
+ViewPicture::~ViewPicture() = default;
+
+QImage ViewPicture::image(const Progress& progress) const
+{
+    return m_content->image.isNull()
+        ? paintedImage(m_content->geometry, m_content->replay(progress))
+        : m_content->image;
+}
+
+QByteArray ViewPicture::bytes(const Progress& progress) const
+{
+    if (!m_content->bytes.isEmpty()) {
+        return m_content->bytes;
+    }
+    // To pack the pixels takes as long as to paint them.
+    constexpr double painted = 0.5;
+    const auto half = [&progress](double fraction) { return progress(fraction * painted); };
+    const PaintFunction paint = m_content->replay(half);
+    switch (m_content->format) {
+    case PictureFormat::Svg:
+        return svgBytes(m_content->title, m_content->geometry, paint);
+    case PictureFormat::Pdf:
+        return pdfBytes(m_content->title, m_content->geometry, paint);
+    case PictureFormat::Png:
+        break;
+    }
+    const QImage pixels = image(half);
+    return pixels.isNull() ? QByteArray() : pngBytes(pixels, [&] { return progress(painted); });
+}
+
 QImage pictureOf(AnalyzerViewInterface& view, const PictureOptions& options)
 {
-    return picture(view, geometryOf(view, options));
+    return ViewPicture(view, PictureFormat::Png, options).image(goOn);
 }
 
 QByteArray pictureBytes(
     AnalyzerViewInterface& view, PictureFormat format, const PictureOptions& options)
 {
-    const Geometry geometry = geometryOf(view, options);
-    switch (format) {
-    case PictureFormat::Svg:
-        return svgBytes(view, geometry);
-    case PictureFormat::Pdf:
-        return pdfBytes(view, geometry);
-    case PictureFormat::Png:
-        break;
-    }
-    return pngBytes(picture(view, geometry));
+    return ViewPicture(view, format, options).bytes(goOn);
 }
 
 bool writePicture(
-    const QImage& picture, const std::string& path, const std::function<bool()>& beforeWriting)
+    const ViewPicture& picture, const std::string& path, const ViewPicture::Progress& progress)
 {
     ReplacementFile file(path); // who may not write there hears it before the work
-    const QByteArray bytes = pngBytes(picture);
-    if (!beforeWriting()) {
+    const QByteArray bytes = picture.bytes(progress);
+    if (bytes.isEmpty() || !progress(1.0)) {
         return false;
     }
     file.write(bytes.constData(), static_cast<std::size_t>(bytes.size()));
@@ -255,11 +373,7 @@ PictureFormat pictureFormat(const std::string& path)
 void exportPicture(
     AnalyzerViewInterface& view, const std::string& path, const PictureOptions& options)
 {
-    const PictureFormat format = pictureFormat(path);
-    ReplacementFile file(path); // who may not write there hears it before the work
-    const QByteArray bytes = pictureBytes(view, format, options);
-    file.write(bytes.constData(), static_cast<std::size_t>(bytes.size()));
-    file.commit();
+    writePicture(ViewPicture(view, pictureFormat(path), options), path, goOn);
 }
 
 } // namespace analyzer

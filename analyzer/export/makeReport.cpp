@@ -16,6 +16,10 @@
 #include <QWidget>
 
 #include <algorithm>
+#include <atomic>
+#include <chrono>
+#include <functional>
+#include <future>
 #include <map>
 #include <optional>
 
@@ -25,7 +29,34 @@ namespace {
 
 constexpr int sharpness = 2; ///< pixels of a picture per pixel of the screen
 
-Report::Picture pictureOfView(AnalyzerViewInterface& view)
+QByteArray pngOf(const ViewPicture& picture, const std::function<void(double)>& progress)
+{
+    if (!progress) {
+        return picture.bytes([](double) { return true; });
+    }
+    constexpr std::chrono::milliseconds interval(20);
+    std::atomic<double> done{0.0};
+    std::atomic<bool> isCancelled{false};
+    // Whatever is thrown here, the thread is waited for.
+    std::future<QByteArray> bytes = std::async(std::launch::async, [&] {
+        return picture.bytes([&](double fraction) {
+            done = fraction;
+            return !isCancelled;
+        });
+    });
+    try {
+        while (bytes.wait_for(interval) == std::future_status::timeout) {
+            progress(done);
+        }
+    } catch (...) {
+        isCancelled = true;
+        throw;
+    }
+    return bytes.get();
+}
+
+Report::Picture pictureOfView(
+    AnalyzerViewInterface& view, const std::function<void(double)>& progress)
 {
     const QWidget& widget = view.widget();
     const QSize size = widget.size();
@@ -37,7 +68,7 @@ Report::Picture pictureOfView(AnalyzerViewInterface& view)
     Report::Picture picture;
     picture.title = oneLine(view.title());
     picture.note = leftOutInWords(view);
-    picture.png = pictureBytes(view, PictureFormat::Png, options);
+    picture.png = pngOf(ViewPicture(view, PictureFormat::Png, options), progress);
     picture.size = size;
     return picture;
 }
@@ -112,7 +143,7 @@ Report makeReport(
     const std::vector<AnalyzerViewInterface*>& views,
     const CaseSet& selection,
     const std::string& date,
-    const std::function<void(std::size_t)>& beforePicture)
+    const std::function<void(double)>& progress)
 {
     Report report;
     report.title = oneLine(project.name());
@@ -125,10 +156,15 @@ Report makeReport(
     report.tags = tagsOf(project);
     addSelectedCases(report, project, selection);
     for (AnalyzerViewInterface* view : views) {
-        if (beforePicture) {
-            beforePicture(report.pictures.size());
+        const auto made = static_cast<double>(report.pictures.size());
+        const auto ofAll = [&](double fraction) {
+            progress((made + fraction) / static_cast<double>(views.size()));
+        };
+        if (progress) {
+            progress(made / static_cast<double>(views.size()));
         }
-        report.pictures.push_back(pictureOfView(*view));
+        report.pictures.push_back(
+            pictureOfView(*view, progress ? std::function<void(double)>(ofAll) : nullptr));
     }
     return report;
 }

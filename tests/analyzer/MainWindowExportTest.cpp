@@ -157,3 +157,19 @@ TEST_F(MainWindowExportTest, WritesThePipelineTable)
         m_window->exportPipelineTable(m_folder.filePath(QStringLiteral("no/out.csv"))),
         ExceptionBase);
 }
+
+TEST_F(MainWindowExportTest, LeavesTheOldFileWhenThePipelineTableIsCancelled)
+{
+    openStudy();
+    m_window->exportPipelineTable(out());
+    const QByteArray old = written();
+    const QStringList files = QDir(m_folder.path()).entryList(QDir::Files);
+    m_window->filters().addRangeFilter("x", {2.0, 3.0});
+
+    EXPECT_THROW(
+        m_window->exportPipelineTable(out(), [](double) { throw std::runtime_error("enough"); }),
+        std::runtime_error);
+
+    EXPECT_EQ(written(), old);
+    EXPECT_EQ(QDir(m_folder.path()).entryList(QDir::Files), files);
+}

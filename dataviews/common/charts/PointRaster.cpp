@@ -424,6 +424,15 @@ struct PointRaster::Band
     std::vector<std::uint32_t> wide;
 };
 
+PointRaster::Axis PointRaster::axisOf(double scale, double offset, int pixels)
+{
+    const auto center = static_cast<float>((pixels / 2.0 - offset) / scale);
+    return {
+        center,
+        static_cast<float>(scale),
+        static_cast<float>(static_cast<double>(center) * scale + offset)};
+}
+
 PointRaster::PointRaster()
     : m_parts(threadCount())
 {}

@@ -70,6 +70,9 @@ public:
     /// The largest width and height, with both margins, of a picture.
     static constexpr int largestSide = 65534;
 
+    /// The axis of a picture of \p pixels pixels where the pixel is coordinate * \p scale + \p offset.
+    [[nodiscard]] static Axis axisOf(double scale, double offset, int pixels);
+
     PointRaster();
     PointRaster(const PointRaster&) = delete;
     PointRaster& operator=(const PointRaster&) = delete;

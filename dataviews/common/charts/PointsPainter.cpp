@@ -1,3 +1,5 @@
+#include <dataviews/common/charts/PointPicture.h>
+#include <dataviews/common/charts/PointPictureDeviceInterface.h>
 #include <dataviews/common/charts/PointsPainter.h>
 
 #include <vtkContext2D.h>
@@ -12,14 +14,12 @@
 #include <vtk_glew.h>
 
 #include <algorithm>
-#include <cmath>
+#include <array>
+#include <memory>
 
 namespace {
 
 constexpr float largestMarker = 200.0F; ///< pixels
-
-/// What VTK's marks are larger than the points, in pixels.
-constexpr float markMargin = 2.7F;
 
 /// A rectangle of pixels in the window, and how points are mapped there.
 struct View
@@ -30,15 +30,6 @@ struct View
     int height = 0;
     std::array<PointRaster::Axis, 2> axes = {};
 };
-
-PointRaster::Axis axisOf(double scale, double offset, int pixels)
-{
-    const auto center = static_cast<float>((pixels / 2.0 - offset) / scale);
-    return {
-        center,
-        static_cast<float>(scale),
-        static_cast<float>(static_cast<double>(center) * scale + offset)};
-}
 
 View viewOf(vtkOpenGLContextDevice2D& device)
 {
@@ -59,7 +50,7 @@ View viewOf(vtkOpenGLContextDevice2D& device)
     vtkMatrix4x4::Multiply4x4(device.GetProjectionMatrix(), device.GetModelMatrix(), toView);
     const auto axis = [&](int row, int begin, int pixels) {
         const double half = viewport[static_cast<std::size_t>(row) + 2] / 2.0;
-        return axisOf(
+        return PointRaster::axisOf(
             toView->GetElement(row, row) * half,
             viewport[static_cast<std::size_t>(row)] + (toView->GetElement(row, 3) + 1.0) * half
                 - begin,
@@ -69,12 +60,11 @@ View viewOf(vtkOpenGLContextDevice2D& device)
     return view;
 }
 
-template <std::size_t count>
-std::array<unsigned char, count> colorOf(vtkPen& pen)
+std::array<unsigned char, 4> colorOf(vtkPen& pen)
 {
-    std::array<unsigned char, count> color = {};
+    std::array<unsigned char, 4> color = {};
     const unsigned char* const bytes = pen.GetColor();
-    std::copy(bytes, bytes + count, color.begin());
+    std::copy(bytes, bytes + color.size(), color.begin());
     return color;
 }
 
@@ -88,9 +78,28 @@ bool areInOrder(const std::vector<vtkIdType>& rows)
     return difference == 0;
 }
 
-OverlapColors overlapColors(vtkPen& pen, OverlapColors::Deepening deepening)
+PointsInPicture inPicture(const PointsPainter::Look& look)
 {
-    return {colorOf<3>(pen), pen.GetOpacity(), deepening};
+    PointsInPicture result;
+    result.points.coordinates = static_cast<const float*>(look.points->GetVoidPointer(0));
+    result.points.count = look.points->GetNumberOfPoints();
+    if (look.colors != nullptr) {
+        result.colors = look.colors->GetPointer(0);
+        result.channels = look.colors->GetNumberOfComponents();
+    }
+    if (look.selection != nullptr) {
+        result.marked = look.selection->GetPointer(0);
+        result.markedCount = look.selection->GetNumberOfValues();
+    }
+    result.color = colorOf(*look.pen);
+    if (look.ring != nullptr) {
+        result.ring = look.ring->colors();
+    } else {
+        result.markColor = colorOf(*look.selectionPen);
+    }
+    result.markerSize = look.markerSize;
+    result.deepening = look.deepening;
+    return result;
 }
 
 } // namespace
@@ -105,54 +114,68 @@ bool PointsPainter::PlainKey::operator==(const PlainKey& other) const
 
 bool PointsPainter::MarkKey::operator==(const MarkKey& other) const
 {
-    return hasRing == other.hasRing && ring == other.ring && pen == other.pen;
+    return ring == other.ring && pen == other.pen;
 }
 
 PointsPainter::PointsPainter() = default;
 
 PointsPainter::~PointsPainter() = default;
 
-bool PointsPainter::canPaint(vtkContext2D& painter, float markerSize)
+bool PointsPainter::canPaint(
+    vtkContext2D& painter, float markerSize, vtkIdType count, vtkIdType threshold)
 {
-    return vtkOpenGLContextDevice2D::SafeDownCast(painter.GetDevice()) != nullptr
-        && markerSize >= 1.0F && markerSize <= largestMarker;
+    if (markerSize < 1.0F || markerSize > largestMarker) {
+        return false;
+    }
+    const auto* pictures = dynamic_cast<PointPictureDeviceInterface*>(painter.GetDevice());
+    if (pictures != nullptr) {
+        return pictures->takesPicture(count);
+    }
+    return count >= threshold
+        && vtkOpenGLContextDevice2D::SafeDownCast(painter.GetDevice()) != nullptr;
 }
 
 void PointsPainter::paint(vtkContext2D& painter, const Look& look)
 {
+    if (auto* pictures = dynamic_cast<PointPictureDeviceInterface*>(painter.GetDevice())) {
+        // What is kept is for the screen.
+        const PointPictureDeviceInterface::Place place = pictures->picturePlace();
+        PointsInPicture points = inPicture(look);
+        points.points.axes = place.axes;
+        points.scale = place.scale;
+        if (place.width > 0 && place.height > 0) {
+            pictures->drawPicture(
+                std::make_shared<const PointPicture>(points, place.width, place.height));
+        }
+        return;
+    }
     auto& device = *vtkOpenGLContextDevice2D::SafeDownCast(painter.GetDevice());
     vtkOpenGLRenderWindow& window = *device.GetRenderWindow();
     const View view = viewOf(device);
     if (view.width <= 0 || view.height <= 0) {
         return;
     }
-    const float markSize = look.ring != nullptr
-        ? static_cast<float>(SelectionRing::size(look.markerSize))
-        : look.markerSize + markMargin;
+    PointsInPicture points = inPicture(look);
+    points.points.axes = view.axes;
     PlainKey key;
     key.width = view.width;
     key.height = view.height;
-    key.margin =
-        PointRaster::marginFor(static_cast<int>(std::ceil(std::max(look.markerSize, markSize))));
+    key.margin = points.margin();
     key.axes = view.axes;
     key.points = look.points;
     key.pointsTime = look.points->GetMTime();
     key.colors = look.colors;
     key.colorsTime = look.colors != nullptr ? look.colors->GetMTime() : 0;
-    key.color = colorOf<4>(*look.pen);
+    key.color = points.color;
     key.markerSize = look.markerSize;
     key.deepening = look.deepening;
 
     MarkKey markKey;
-    markKey.hasRing = look.ring != nullptr;
-    if (look.ring != nullptr) {
-        markKey.ring = look.ring->colors();
-    } else {
-        markKey.pen = colorOf<4>(*look.selectionPen);
-    }
+    markKey.ring = points.ring;
+    markKey.pen = points.markColor;
 
-    const bool isPlainNew = paintPlain(key, look);
-    const bool isNew = paintMarks(markKey, look, isPlainNew) || isPlainNew;
+    const bool isPlainNew = paintPlain(key, points);
+    const bool isNew = paintMarks(markKey, points, isPlainNew) || isPlainNew;
     if (isNew || !m_texture.isIn(window)) {
         m_texture.update(window, m_markKey ? m_marked : m_plain);
     }
@@ -161,48 +184,27 @@ void PointsPainter::paint(vtkContext2D& painter, const Look& look)
     m_texture.draw(view.left - viewport[0], view.bottom - viewport[1]);
 }
 
-PointRaster::Points PointsPainter::pointsOf(const Look& look) const
-{
-    PointRaster::Points points;
-    points.coordinates = static_cast<const float*>(look.points->GetVoidPointer(0));
-    points.count = look.points->GetNumberOfPoints();
-    points.axes = m_plainKey->axes;
-    return points;
-}
-
-bool PointsPainter::paintPlain(const PlainKey& key, const Look& look)
+bool PointsPainter::paintPlain(const PlainKey& key, const PointsInPicture& points)
 {
     if (m_plainKey == key) {
         return false;
     }
     m_plainKey = key;
     m_plain.reset(key.width, key.height, key.margin);
-    const MarkerStencil stencil = MarkerStencil::circle(look.markerSize);
-    if (look.colors != nullptr) {
-        m_raster.paintColoredDiscs(
-            m_plain,
-            pointsOf(look),
-            stencil,
-            look.colors->GetPointer(0),
-            look.colors->GetNumberOfComponents());
-    } else {
-        m_raster.paintDiscs(
-            m_plain, pointsOf(look), stencil, overlapColors(*look.pen, look.deepening));
-    }
+    points.paintPlain(m_raster, m_plain);
     return true;
 }
 
-bool PointsPainter::paintMarks(const MarkKey& key, const Look& look, bool isPlainNew)
+bool PointsPainter::paintMarks(const MarkKey& key, const PointsInPicture& points, bool isPlainNew)
 {
-    const vtkIdType count =
-        look.selection != nullptr ? look.selection->GetNumberOfValues() : vtkIdType(0);
+    const vtkIdType count = points.markedCount;
     if (count == 0) {
         const bool wasMarked = m_markKey.has_value();
         m_markKey.reset();
         return wasMarked;
     }
     // The values and not the time of their change, for plots write into the array without telling.
-    const vtkIdType* const rows = look.selection->GetPointer(0);
+    const vtkIdType* const rows = points.marked;
     const bool isSame = m_marks.size() == static_cast<std::size_t>(count)
         && std::equal(m_marks.begin(), m_marks.end(), rows);
     if (isSame && !isPlainNew && m_markKey == key) {
@@ -214,36 +216,10 @@ bool PointsPainter::paintMarks(const MarkKey& key, const Look& look, bool isPlai
     }
     m_markKey = key;
     m_marked = m_plain;
-    PointRaster::Points points = pointsOf(look);
-    if (!m_marksAreInOrder || count != points.count) {
-        points.rows = m_marks.data();
-        points.rowCount = count;
+    PointsInPicture marked = points;
+    if (m_marksAreInOrder && count == points.points.count) {
+        marked.marked = nullptr;
     }
-    if (look.ring == nullptr) {
-        m_raster.paintDiscs(
-            m_marked,
-            points,
-            MarkerStencil::circle(look.markerSize + markMargin),
-            overlapColors(*look.selectionPen, look.deepening));
-        return true;
-    }
-    m_raster.paintRings(m_marked, points, look.ring->raster(look.markerSize));
-    if (look.ring->coversPoints()) {
-        return true;
-    }
-    // The selected points lie over the rings of others.
-    const MarkerStencil stencil = MarkerStencil::circle(look.markerSize);
-    if (look.colors != nullptr) {
-        m_raster.paintColoredDiscs(
-            m_marked,
-            points,
-            stencil,
-            look.colors->GetPointer(0),
-            look.colors->GetNumberOfComponents());
-    } else {
-        m_raster.paintDiscs(m_marked, points, stencil, overlapColors(*look.pen, look.deepening));
-    }
-    // In a crowd the discs of one another cover all rings.
-    m_raster.paintDiscs(m_marked, points, stencil, OverlapColors::veil(look.ring->colors().ring));
+    marked.paintMarks(m_raster, m_marked);
     return true;
 }

@@ -4,6 +4,7 @@
 #include <dataviews/common/charts/PictureTexture.h>
 #include <dataviews/common/charts/PixelPicture.h>
 #include <dataviews/common/charts/PointRaster.h>
+#include <dataviews/common/charts/PointsInPicture.h>
 #include <dataviews/common/charts/SelectionRing.h>
 
 #include <vtkType.h>
@@ -22,7 +23,7 @@ class vtkUnsignedCharArray;
 /// Paints the points of a plot into a chart as one picture, and the marks of the selected ones on top.
 ///
 /// The picture is kept while nothing changes that it shows; another selection leaves the picture of the points as it
-/// is. Paints with OpenGL only.
+/// is. Paints with OpenGL, and for devices that take pictures.
 class DATAVIEWS_CHARTS_EXPORT PointsPainter
 {
 public:
@@ -43,8 +44,10 @@ public:
     PointsPainter& operator=(const PointsPainter&) = delete;
     ~PointsPainter();
 
-    /// Whether paint() works with \p painter and markers as large as \p markerSize.
-    [[nodiscard]] static bool canPaint(vtkContext2D& painter, float markerSize);
+    /// Whether \p count points of \p markerSize are to be painted with paint() into \p painter: with OpenGL from
+    /// \p threshold of them on, else as many as the painter wants so.
+    [[nodiscard]] static bool canPaint(
+        vtkContext2D& painter, float markerSize, vtkIdType count, vtkIdType threshold);
 
     /// \p painter has the transformation of the points and the clip of the chart.
     void paint(vtkContext2D& painter, const Look& look);
@@ -71,16 +74,15 @@ private:
     /// What the marks depend on, beside that and the selection.
     struct MarkKey
     {
-        bool hasRing = false;
-        SelectionRing::Colors ring = {};
+        std::optional<SelectionRing::Colors> ring;
         std::array<unsigned char, 4> pen = {};
 
         [[nodiscard]] bool operator==(const MarkKey& other) const;
     };
 
-    [[nodiscard]] bool paintPlain(const PlainKey& key, const Look& look);
-    [[nodiscard]] bool paintMarks(const MarkKey& key, const Look& look, bool isPlainNew);
-    [[nodiscard]] PointRaster::Points pointsOf(const Look& look) const;
+    [[nodiscard]] bool paintPlain(const PlainKey& key, const PointsInPicture& points);
+    [[nodiscard]] bool paintMarks(
+        const MarkKey& key, const PointsInPicture& points, bool isPlainNew);
 
     PointRaster m_raster;
     PixelPicture m_plain;

@@ -15,8 +15,9 @@
 
 /// A plot of points, \p Plot being vtkPlotPoints or derived from it, that paints very many points as one picture.
 ///
-/// Below setRasterThreshold() points, and where no picture can be painted (other markers than circles, painters that do not
-/// draw with OpenGL), everything is as in \p Plot. A picture of points looks as \p Plot does wherever no more than
+/// Below setRasterThreshold() points, and where no picture can be painted (other markers than circles, painters that
+/// neither draw with OpenGL nor take pictures), everything is as in \p Plot. Painters that take pictures decide
+/// themselves how many points are many. A picture of points looks as \p Plot does wherever no more than
 /// OverlapColors::threshold points lie over one another; see there and PointRaster for what becomes of the others.
 template <class Plot>
 class RasterPlot
@@ -128,11 +129,15 @@ private:
 
     [[nodiscard]] bool rasters(vtkContext2D& painter) const
     {
-        return this->Visible && hasManyPoints() && this->MarkerStyle == Plot::CIRCLE
+        return this->Visible && this->Points != nullptr && this->MarkerStyle == Plot::CIRCLE
             && this->ValidPointMask == nullptr
             && (this->ScalarVisibility == 0 || this->Colors == nullptr
                 || this->Colors->GetNumberOfComponents() >= 3)
-            && PointsPainter::canPaint(painter, drawnMarkerSize());
+            && PointsPainter::canPaint(
+                   painter,
+                   drawnMarkerSize(),
+                   this->Points->GetNumberOfPoints(),
+                   m_rasterThreshold);
     }
 
     vtkIdType m_rasterThreshold = defaultRasterThreshold;

@@ -24,10 +24,10 @@ float ringWidth(float markerSize)
 /// The radii of the parts of a mark, from its middle outward.
 struct Radii
 {
-    explicit Radii(float markerSize)
-        : inner(markerSize / 2.0F + gapWidth)
-        , outer(inner + ringWidth(markerSize))
-        , whole(outer + edgeWidth)
+    Radii(float markerSize, float scale)
+        : inner((markerSize / 2.0F + gapWidth) * scale)
+        , outer(inner + ringWidth(markerSize) * scale)
+        , whole(outer + edgeWidth * scale)
     {}
 
     float inner;
@@ -77,7 +77,7 @@ SelectionRing::~SelectionRing() = default;
 void SelectionRing::setColors(const Colors& colors)
 {
     m_colors = colors;
-    m_spriteFor = 0.0F;
+    m_spriteFor = {};
 }
 
 std::vector<vtkIdType> SelectionRing::paint(
@@ -103,23 +103,23 @@ std::vector<vtkIdType> SelectionRing::paint(
     if (marked.empty() || markerSize <= 0.0F) {
         return {};
     }
-    drawSprite(markerSize);
+    drawSprite(markerSize, 1.0F);
     painter.GetPen()->SetColor(255, 255, 255, 255);
     painter.GetPen()->SetWidth(static_cast<float>(m_sprite->GetDimensions()[0]));
     painter.DrawPointSprites(m_sprite, places.data(), static_cast<int>(marked.size()));
     return marked;
 }
 
-int SelectionRing::size(float markerSize)
+int SelectionRing::size(float markerSize, float scale)
 {
-    return 2 * static_cast<int>(std::ceil(Radii(markerSize).whole)) + 1;
+    return 2 * static_cast<int>(std::ceil(Radii(markerSize, scale).whole)) + 1;
 }
 
-PointRaster::Ring SelectionRing::raster(float markerSize)
+PointRaster::Ring SelectionRing::raster(float markerSize, float scale)
 {
-    drawSprite(markerSize);
-    const int side = size(markerSize);
-    const Radii radii(markerSize);
+    drawSprite(markerSize, scale);
+    const int side = size(markerSize, scale);
+    const Radii radii(markerSize, scale);
     PointRaster::Ring ring{
         {},
         MarkerStencil::disc(side, radii.whole + 0.5F),
@@ -146,13 +146,14 @@ PointRaster::Ring SelectionRing::raster(float markerSize)
     return ring;
 }
 
-void SelectionRing::drawSprite(float markerSize)
+void SelectionRing::drawSprite(float markerSize, float scale)
 {
-    if (m_spriteFor == markerSize) {
+    const std::array<float, 2> wanted{markerSize, scale};
+    if (m_spriteFor == wanted) {
         return;
     }
-    const Radii radii(markerSize);
-    const int side = size(markerSize);
+    const Radii radii(markerSize, scale);
+    const int side = size(markerSize, scale);
     m_sprite->SetDimensions(side, side, 1);
     m_sprite->AllocateScalars(VTK_UNSIGNED_CHAR, 4);
     auto* pixel = static_cast<unsigned char*>(m_sprite->GetScalarPointer());
@@ -171,5 +172,5 @@ void SelectionRing::drawSprite(float markerSize)
         }
     }
     m_sprite->Modified();
-    m_spriteFor = markerSize;
+    m_spriteFor = wanted;
 }

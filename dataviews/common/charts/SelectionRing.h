@@ -7,6 +7,7 @@
 #include <vtkNew.h>
 #include <vtkType.h>
 
+#include <array>
 #include <optional>
 #include <vector>
 
@@ -40,11 +41,12 @@ public:
 
     [[nodiscard]] const Colors& colors() const { return m_colors; }
 
-    /// The width of the mark around points of \p markerSize pixels, in whole pixels.
-    [[nodiscard]] static int size(float markerSize);
+    /// The width of the mark around points of \p markerSize pixels, in whole pixels of a picture that has \p scale of them
+    /// per pixel of the chart.
+    [[nodiscard]] static int size(float markerSize, float scale = 1.0F);
 
     /// The mark for pictures of very many points.
-    [[nodiscard]] PointRaster::Ring raster(float markerSize);
+    [[nodiscard]] PointRaster::Ring raster(float markerSize, float scale = 1.0F);
 
     /// Puts the mark around the points in \p rows of \p count \p points, given as X and Y in the painter's coordinates.
     /// Rows that there are not, and points that are not finite, are left out; gives the others. \p markerSize is the
@@ -60,10 +62,10 @@ public:
     [[nodiscard]] bool coversPoints() const { return m_colors.fill.has_value(); }
 
 private:
-    void drawSprite(float markerSize);
+    void drawSprite(float markerSize, float scale);
 
     Colors m_colors = {{0, 0, 0}, {255, 255, 255}, {}};
     vtkNew<vtkImageData> m_sprite;
-    float m_spriteFor =
-        0.0F; ///< the marker size that the sprite was drawn for; 0 if it is out of date
+    std::array<float, 2> m_spriteFor =
+        {}; ///< the marker size and the scale that the sprite was drawn for; 0 if it is out of date
 };

@@ -37,6 +37,24 @@ std::string textOf(vtkTable& table, vtkIdType begin, vtkIdType count)
 
 } // namespace
 
+void SurrogateModelCSVExporter::writeCSV(
+    vtkSmartPointer<vtkTableAlgorithm> source,
+    const std::function<void(const std::string&)>& write,
+    const std::function<void(double)>& progress) const
+{
+    vtkTable& table = *source->GetOutput();
+    const std::string names = textOf(table, 0, 0);
+    write(names);
+    const vtkIdType rowCount = table.GetNumberOfRows();
+    for (vtkIdType begin = 0; begin < rowCount; begin += rowsAtOnce) {
+        const vtkIdType end = std::min(begin + rowsAtOnce, rowCount);
+        write(textOf(table, begin, end - begin).substr(names.size()));
+        if (progress) {
+            progress(static_cast<double>(end) / static_cast<double>(rowCount));
+        }
+    }
+}
+
 bool SurrogateModelCSVExporter::writeCSVFile(
     vtkSmartPointer<vtkTableAlgorithm> source,
     const std::string& fileName,
@@ -47,18 +65,7 @@ bool SurrogateModelCSVExporter::writeCSVFile(
     if (!file.good()) {
         return false;
     }
-    vtkTable& table = *source->GetOutput();
-    const std::string names = textOf(table, 0, 0);
-    file << names;
-    const vtkIdType rowCount = table.GetNumberOfRows();
-    for (vtkIdType begin = 0; begin < rowCount; begin += rowsAtOnce) {
-        const std::string text = textOf(table, begin, std::min(rowsAtOnce, rowCount - begin));
-        file.write(
-            text.data() + names.size(), static_cast<std::streamsize>(text.size() - names.size()));
-        if (progress) {
-            const vtkIdType end = std::min(begin + rowsAtOnce, rowCount);
-            progress(static_cast<double>(end) / static_cast<double>(rowCount));
-        }
-    }
+    writeCSV(
+        source, [&file](const std::string& text) { file << text; }, progress);
     return true;
 }

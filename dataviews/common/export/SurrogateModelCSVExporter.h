@@ -17,6 +17,15 @@ class vtkTableAlgorithm;
 class DATAVIEWS_EXPORT_EXPORT SurrogateModelCSVExporter
 {
 public:
+    /// Gives the present output of \p source, which must not be null, part by part to \p write, without updating it.
+    ///
+    /// \p progress, if there is one, is told now and then the share that is written, from 0 to 1; what it or \p write
+    /// throws ends the work.
+    void writeCSV(
+        vtkSmartPointer<vtkTableAlgorithm> source,
+        const std::function<void(const std::string&)>& write,
+        const std::function<void(double)>& progress = {}) const;
+
     /// Writes the present output of \p source, which must not be null, without updating it, in place of what the file
     /// held.
     ///

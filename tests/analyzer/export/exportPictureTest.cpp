@@ -320,18 +320,97 @@ TEST_F(ExportPictureTest, WritesPdfWithOnePageOfTheSizeAskedFor)
     }
 }
 
-TEST_F(ExportPictureTest, WritesAPictureUnlessToldNotTo)
+TEST_F(ExportPictureTest, PaintsVeryManyPointsAsTheScreenDoes)
 {
-    QImage first(30, 20, QImage::Format_RGB32);
-    first.fill(Qt::red);
-    QImage second(first);
-    second.fill(Qt::blue);
+    constexpr std::size_t cases = 30000;
+    SmallStudy study{cases};
+    std::vector<double> x;
+    std::vector<double> y;
+    for (std::size_t i = 0; i < cases; ++i) {
+        // Denser toward the middle.
+        const double angle = 2.4 * static_cast<double>(i);
+        const double radius = static_cast<double>(i) / cases;
+        x.push_back(radius * radius * std::cos(angle));
+        y.push_back(radius * radius * std::sin(angle));
+    }
+    study.add("Speed", x).add("Drag", y).open();
+    DataPipelineManager pipeline(Project::project());
+    const auto selection = boost::make_shared<SelectionModel>();
+    std::set<unsigned long long> half;
+    for (unsigned long long id = 1; id <= cases / 2; ++id) {
+        half.insert(id);
+    }
+    for (const bool isColored : {false, true}) {
+        for (const bool isSelected : {false, true}) {
+            SCOPED_TRACE(testing::Message() << isColored << isSelected);
+            ScatterPlotView view({pipeline, selection, {}, {}, boost::make_shared<HoveredCase>()});
+            if (isColored) {
+                view.colors().variable()->setValue(Project::project().variable("Drag"));
+            }
+            selection->takeSelection(isSelected ? half : std::set<unsigned long long>());
+            show(view);
+            const QImage screen = view.widget().grab().toImage();
+            const int dpi = view.widget().logicalDpiX();
 
-    EXPECT_TRUE(writePicture(first, path("a.png"), [] { return true; }));
-    EXPECT_FALSE(writePicture(second, path("a.png"), [] { return false; }));
+            const QImage picture = pictureOf(view);
+            const QImage fine = pictureOf(view, {3 * screen.size(), 3 * dpi});
+            const QByteArray svg = pictureBytes(view, PictureFormat::Svg);
 
-    EXPECT_EQ(QImage::fromData(content(path("a.png"))).convertToFormat(first.format()), first);
-    EXPECT_EQ(QDir(m_folder.path()).entryList(QDir::Files), QStringList("a.png"));
+            // Beside the large letters of the color legend.
+            const auto points = [&](const QImage& image) { return image.copy(0, 0, 400, 400); };
+            EXPECT_LT(differenceFromAfar(points(picture), points(screen)), 40);
+            EXPECT_NEAR(inkPixels(picture), inkPixels(screen), 0.1 * inkPixels(screen));
+            const QImage reduced =
+                fine.scaled(screen.size(), Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
+            EXPECT_LT(differenceFromAfar(points(reduced), points(screen)), 40);
+            QDomDocument document;
+            ASSERT_TRUE(document.setContent(svg));
+            const QDomNodeList images = document.elementsByTagName(QStringLiteral("image"));
+            ASSERT_EQ(images.count(), 1);
+            EXPECT_LT(document.elementsByTagName(QStringLiteral("circle")).count(), 100);
+            const QString data = images.at(0).toElement().attribute(QStringLiteral("xlink:href"));
+            const QImage embedded = QImage::fromData(
+                QByteArray::fromBase64(data.mid(data.indexOf(QLatin1Char(',')) + 1).toLatin1()));
+            EXPECT_GT(inkPixels(embedded), inkPixels(screen) / 2);
+        }
+    }
+}
+
+TEST_F(ExportPictureTest, LeavesTheOldFileWhenItIsCancelledAtAnyTime)
+{
+    const auto chart = shownScatter();
+    const auto table = boost::make_shared<CaseTableView>(m_pipeline, m_master);
+    show(*table);
+    for (AnalyzerViewInterface* view :
+         std::vector<AnalyzerViewInterface*>{chart.get(), table.get()}) {
+        for (const char* name : {"a.png", "a.svg", "a.pdf"}) {
+            SCOPED_TRACE(view->kind() + ' ' + name);
+            QFile old(m_folder.filePath(QString::fromLatin1(name)));
+            ASSERT_TRUE(old.open(QIODevice::WriteOnly));
+            old.write("old");
+            old.close();
+            const ViewPicture picture(*view, pictureFormat(name), {QSize(600, 400), 0});
+            const auto goesOnFor = [&](int calls) {
+                double last = 0.0;
+                return writePicture(picture, path(name), [&](double fraction) {
+                    EXPECT_GE(fraction, last);
+                    EXPECT_LE(fraction, 1.0);
+                    last = fraction;
+                    return --calls >= 0;
+                });
+            };
+
+            int calls = 0;
+            while (!goesOnFor(calls)) {
+                EXPECT_EQ(content(path(name)), "old") << "cancelled after " << calls << " calls";
+                ++calls;
+            }
+
+            EXPECT_GE(calls, 1);
+            EXPECT_GT(content(path(name)).size(), 1000);
+        }
+    }
+    EXPECT_EQ(QDir(m_folder.path()).entryList(QDir::Files).size(), 3);
 }
 
 TEST_F(ExportPictureTest, RefusesWhatItCannotDoAndLeavesTheOldFile)

@@ -15,8 +15,10 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <limits>
 #include <set>
+#include <stdexcept>
 #include <string>
 #include <vector>
 
@@ -86,6 +88,48 @@ TEST_F(MakeReportTest, SaysWhatIsOpenAndSelected)
     EXPECT_EQ(report.pictures[0].size, QSize(300, 200));
     EXPECT_EQ(QImage::fromData(report.pictures[0].png).size(), QSize(600, 400));
     EXPECT_FALSE(QImage::fromData(report.pictures[1].png).isNull());
+}
+
+TEST_F(MakeReportTest, TellsOfItsProgressAndEndsWhenItIsTold)
+{
+    constexpr std::size_t cases = 20000;
+    SmallStudy study(cases);
+    std::vector<double> x;
+    for (std::size_t i = 0; i < cases; ++i) {
+        x.push_back(static_cast<double>(i * i % 7919));
+    }
+    study.add("Speed", x).add("Drag", std::vector<double>(x.rbegin(), x.rend())).open();
+    DataPipelineManager pipeline(Project::project());
+    const FilterList filters(pipeline);
+    const ViewServices services{
+        pipeline, boost::make_shared<SelectionModel>(), {}, {}, boost::make_shared<HoveredCase>()};
+    ScatterPlotView first(services);
+    ScatterPlotView second(services);
+    const std::vector<AnalyzerViewInterface*> views{&first, &second};
+    for (AnalyzerViewInterface* view : views) {
+        view->widget().resize(900, 700);
+    }
+    std::vector<double> shares;
+    const auto reportEndingAfter = [&](double last) {
+        shares.clear();
+        return makeReport(Project::project(), filters, views, CaseSet(), "", [&](double share) {
+            shares.push_back(share);
+            if (share > last) {
+                throw std::runtime_error("enough");
+            }
+        });
+    };
+
+    const Report report = reportEndingAfter(1.0);
+
+    EXPECT_EQ(
+        report.pictures[1].png,
+        makeReport(Project::project(), filters, views, CaseSet(), "").pictures[1].png);
+    EXPECT_TRUE(std::is_sorted(shares.begin(), shares.end()));
+    EXPECT_EQ(shares.front(), 0.0);
+    EXPECT_NE(std::find(shares.begin(), shares.end(), 0.5), shares.end());
+    EXPECT_LT(shares.back(), 1.0);
+    EXPECT_THROW(static_cast<void>(reportEndingAfter(0.4)), std::runtime_error);
 }
 
 TEST_F(MakeReportTest, ListsNoMoreThanAThousandCases)

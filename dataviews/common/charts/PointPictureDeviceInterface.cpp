@@ -1,0 +1,3 @@
+#include <dataviews/common/charts/PointPictureDeviceInterface.h>
+
+PointPictureDeviceInterface::~PointPictureDeviceInterface() = default;
