@@ -54,6 +54,18 @@ public:
         return true;
     }
 
+    /// Leaves the plot's time of change as it was: \p Plot makes all points anew if that has passed, and with them what is
+    /// kept of their picture.
+    void SetSelection(vtkIdTypeArray* rows) override
+    {
+        const vtkTimeStamp before = this->MTime;
+        Plot::SetSelection(rows);
+        this->MTime = before;
+        if (rows != nullptr) {
+            rows->Modified(); // that shapes of marks are made anew
+        }
+    }
+
     /// Finds what \p Plot finds, here and in the following.
     bool SelectPoints(const vtkVector2f& min, const vtkVector2f& max) override
     {

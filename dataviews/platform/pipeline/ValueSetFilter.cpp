@@ -7,11 +7,14 @@
 
 #include <vtkDoubleArray.h>
 #include <vtkIntArray.h>
+#include <vtkSMPTools.h>
 #include <vtkStringArray.h>
 
+#include <algorithm>
 #include <cmath>
 #include <cstdint>
 #include <utility>
+#include <vector>
 
 namespace {
 
@@ -53,6 +56,31 @@ void keepNumbers(
         });
 }
 
+/// Finds a text among few by comparing, which takes less time than its hash.
+class TextLookup
+{
+public:
+    explicit TextLookup(const std::unordered_set<std::string>& texts)
+        : m_texts(texts)
+    {
+        constexpr std::size_t mostCompared = 8;
+        if (texts.size() <= mostCompared) {
+            m_few.assign(texts.begin(), texts.end());
+        }
+    }
+
+    [[nodiscard]] bool contains(const std::string& text) const
+    {
+        return m_few.size() == m_texts.size()
+            ? std::find(m_few.begin(), m_few.end(), text) != m_few.end()
+            : m_texts.find(text) != m_texts.end();
+    }
+
+private:
+    const std::unordered_set<std::string>& m_texts;
+    std::vector<std::string> m_few; ///< all of them, or none
+};
+
 /// Looks only at the rows that are still in: a text costs more to look up than a jump.
 void keepTexts(
     vtkStringArray& values,
@@ -61,16 +89,25 @@ void keepTexts(
     bool inverted,
     RowBitmap& rows)
 {
+    const TextLookup lookup(texts);
     std::vector<std::uint64_t>& words = rows.words();
-    for (std::size_t word = 0; word < words.size(); ++word) {
-        for (std::uint64_t bits = words[word]; bits != 0; bits &= bits - 1) {
-            const auto bit = static_cast<std::size_t>(__builtin_ctzll(bits));
-            const std::size_t row = word * 64 + bit;
-            const std::string& text = values.GetValue(static_cast<vtkIdType>(row));
-            const bool inside = text.empty() ? missing : texts.find(text) != texts.end();
-            words[word] &= ~(static_cast<std::uint64_t>(inside == inverted) << bit);
-        }
-    }
+    constexpr vtkIdType wordsWorthThread = 1024;
+    vtkSMPTools::For(
+        0,
+        static_cast<vtkIdType>(words.size()),
+        wordsWorthThread,
+        [&](vtkIdType first, vtkIdType last) {
+            for (auto word = static_cast<std::size_t>(first); word < static_cast<std::size_t>(last);
+                 ++word) {
+                for (std::uint64_t bits = words[word]; bits != 0; bits &= bits - 1) {
+                    const auto bit = static_cast<std::size_t>(__builtin_ctzll(bits));
+                    const std::size_t row = word * 64 + bit;
+                    const std::string& text = values.GetValue(static_cast<vtkIdType>(row));
+                    const bool inside = text.empty() ? missing : lookup.contains(text);
+                    words[word] &= ~(static_cast<std::uint64_t>(inside == inverted) << bit);
+                }
+            }
+        });
 }
 
 } // namespace
