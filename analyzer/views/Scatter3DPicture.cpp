@@ -364,6 +364,24 @@ void Scatter3DPicture::draw(const Cloud& cloud, float diameter, int width, int h
     drawLayers(ByNearness(cloud), {{m_discReach, nullptr}});
 }
 
+void Scatter3DPicture::startDrawing(const Cloud& cloud, float diameter, int width, int height)
+{
+    begin(diameter, width, height, 0);
+    m_colors = cloud.colors;
+    m_plain = cloud.plain;
+    if (m_width == 0 || m_height == 0) {
+        m_bandCount = 0;
+        return;
+    }
+    sortEntries(ByNearness(cloud));
+}
+
+bool Scatter3DPicture::drawMore(std::chrono::steady_clock::time_point end)
+{
+    drawBands({{m_discReach, nullptr}}, m_colors, m_plain, end);
+    return m_nextBand >= m_bandCount;
+}
+
 void Scatter3DPicture::drawMarks(
     const Cloud& cloud, const Marks& marks, float diameter, int width, int height)
 {
@@ -420,6 +438,7 @@ void Scatter3DPicture::begin(float diameter, int width, int height, int reach)
         "Scatter3DPicture",
         "such discs cannot be drawn");
     m_bandCount = (height + m_bandLines - 1) / m_bandLines;
+    m_nextBand = 0;
     m_picture.reset(width, height, 0);
     ++m_version;
     m_isImageOld = true;
@@ -467,15 +486,32 @@ void Scatter3DPicture::drawLayers(const Source& source, const std::vector<Layer>
     if (m_width == 0 || m_height == 0 || source.count() == 0) {
         return;
     }
-    m_workers.resize(workerCount());
     sortEntries(source);
+    drawBands(layers, source.colors, source.plain, {});
+}
+
+void Scatter3DPicture::drawBands(
+    const std::vector<Layer>& layers,
+    const unsigned char* colors,
+    const std::array<unsigned char, 4>& plain,
+    const std::optional<std::chrono::steady_clock::time_point>& end)
+{
+    m_workers.resize(workerCount());
     // Bands take differently long.
-    std::atomic<int> next = 0;
+    std::atomic<int> next = m_nextBand;
+    std::atomic<bool> isTimeUp = false;
     forEachAtOnce(m_workers.size(), [&](std::size_t worker) {
-        for (int band = next++; band < m_bandCount; band = next++) {
-            drawBand(m_workers[worker], band, layers, source.colors, source.plain);
+        while (!isTimeUp) {
+            const int band = next++;
+            if (band >= m_bandCount) {
+                return;
+            }
+            drawBand(m_workers[worker], band, layers, colors, plain);
+            isTimeUp = isTimeUp || (end && std::chrono::steady_clock::now() >= *end);
         }
     });
+    // Those that were begun have been drawn.
+    m_nextBand = std::min(next.load(), m_bandCount);
 }
 
 template <class Source>

@@ -6,8 +6,10 @@
 #include <vtkType.h>
 
 #include <array>
+#include <chrono>
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 #include <vector>
 
 class vtkImageData;
@@ -66,6 +68,13 @@ public:
 
     /// The same for \p cloud.
     void draw(const Cloud& cloud, float diameter, int width, int height);
+
+    /// Begins to draw \p cloud, of which only the colors are asked for later: for drawMore(), until that says that it is
+    /// done or another drawing begins.
+    void startDrawing(const Cloud& cloud, float diameter, int width, int height);
+
+    /// Goes on until \p end, or a little longer. Whether all is drawn.
+    bool drawMore(std::chrono::steady_clock::time_point end);
 
     /// Draws \p marks around points of \p cloud, and nothing else but the discs of these if the marks want them.
     void drawMarks(const Cloud& cloud, const Marks& marks, float diameter, int width, int height);
@@ -131,6 +140,13 @@ private:
     template <class Source>
     void sortEntries(const Source& source, std::size_t begin, std::size_t end, Bins& bins) const;
 
+    /// Draws bands from the first one that is not drawn, until \p end if there is one.
+    void drawBands(
+        const std::vector<Layer>& layers,
+        const unsigned char* colors,
+        const std::array<unsigned char, 4>& plain,
+        const std::optional<std::chrono::steady_clock::time_point>& end);
+
     void drawBand(
         Worker& worker,
         int band,
@@ -146,6 +162,9 @@ private:
     int m_reach = 0; ///< the largest one of any layer
     int m_bandLines = 1;
     int m_bandCount = 0;
+    int m_nextBand = 0; ///< the first one that is not drawn
+    const unsigned char* m_colors = nullptr; ///< of the cloud that is drawn bit by bit
+    std::array<unsigned char, 4> m_plain = {}; ///< likewise
     std::vector<Bins> m_bins; ///< a part of the points in each
     std::vector<Worker> m_workers;
     PixelPicture m_picture;

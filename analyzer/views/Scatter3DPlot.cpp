@@ -15,10 +15,10 @@
 #include <vtkScalarsToColors.h>
 #include <vtkTable.h>
 #include <vtkTransform2D.h>
-#include <vtkUnsignedCharArray.h>
 
 #include <algorithm>
 #include <array>
+#include <chrono>
 #include <cmath>
 #include <utility>
 #include <vector>
@@ -119,15 +119,16 @@ bool Scatter3DPlot::Hit(const vtkContextMouseEvent& /*mouse*/)
 
 bool Scatter3DPlot::paintUnmarked(vtkContext2D* painter)
 {
-    drawPicture();
+    auto* const device = vtkOpenGLContextDevice2D::SafeDownCast(painter->GetDevice());
+    drawPicture(device == nullptr || !m_isPrompt);
     if (m_points.count() == 0) {
         return true;
     }
-    if (auto* const device = vtkOpenGLContextDevice2D::SafeDownCast(painter->GetDevice())) {
-        paintPicture(*device, m_picture, m_shown);
+    if (device != nullptr) {
+        paintPicture(*device, *m_picture, m_shown);
     } else {
         const vtkRectf& area = m_projection.area();
-        painter->DrawImage(area.GetX(), area.GetY(), &m_picture.image());
+        painter->DrawImage(area.GetX(), area.GetY(), &m_picture->image());
     }
     return true;
 }
@@ -190,7 +191,7 @@ Scatter3DPlot::Drawn Scatter3DPlot::wanted() const
         && Colors->GetNumberOfTuples() == static_cast<vtkIdType>(m_points.count());
     Drawn drawn;
     drawn.points = m_points.version();
-    drawn.stride = stride();
+    drawn.stride = m_isCoarse ? coarseStride() : 1;
     drawn.colors = isColored ? m_colorsFrom : 0;
     Pen->GetColor(drawn.plain.data());
     drawn.plain[3] = Pen->GetOpacity();
@@ -211,14 +212,52 @@ Scatter3DPicture::Cloud Scatter3DPlot::cloud(const Drawn& drawn) const
         drawn.stride};
 }
 
-void Scatter3DPlot::drawPicture()
+void Scatter3DPlot::drawPicture(bool isWhole)
 {
-    const Drawn drawn = wanted();
+    Drawn drawn = wanted();
+    const bool isDrawn = m_drawn == drawn;
+    const bool isPut = !isDrawn && !isWhole && drawn.stride != coarseStride();
+    if (!isPut) {
+        m_refining.reset();
+    } else if (!(m_refining == drawn)) {
+        m_refining = drawn;
+        m_isRefiningStarted = false;
+    }
+    if (isPut) {
+        drawn.stride = coarseStride();
+    }
     if (m_drawn == drawn) {
         return;
     }
     m_drawn = drawn;
-    m_picture.draw(cloud(drawn), drawn.size, drawn.pixels[0], drawn.pixels[1]);
+    m_picture->draw(cloud(drawn), drawn.size, drawn.pixels[0], drawn.pixels[1]);
+}
+
+bool Scatter3DPlot::refine()
+{
+    constexpr std::chrono::milliseconds slice(25);
+    if (!m_refining) {
+        return false;
+    }
+    if (!(*m_refining == wanted())) {
+        m_refining.reset(); // to be painted anew, which will ask for it again
+        return true;
+    }
+    if (!m_isRefiningStarted) {
+        m_isRefiningStarted = true;
+        m_refiningColors = Colors;
+        m_finer->startDrawing(
+            cloud(*m_refining), m_refining->size, m_refining->pixels[0], m_refining->pixels[1]);
+        return false;
+    }
+    if (!m_finer->drawMore(std::chrono::steady_clock::now() + slice)) {
+        return false;
+    }
+    m_refiningColors = nullptr;
+    std::swap(m_picture, m_finer);
+    m_shown.version = 0;
+    m_drawn = std::exchange(m_refining, std::nullopt);
+    return true;
 }
 
 void Scatter3DPlot::drawMarks()
@@ -283,10 +322,9 @@ bool Scatter3DPlot::Drawn::operator==(const Drawn& other) const
         && plain == other.plain && size == other.size && pixels == other.pixels;
 }
 
-std::size_t Scatter3DPlot::stride() const
+std::size_t Scatter3DPlot::coarseStride() const
 {
-    const std::size_t count = m_points.count();
-    return m_isCoarse ? std::max<std::size_t>(1, (count + coarseCount - 1) / coarseCount) : 1;
+    return std::max<std::size_t>(1, (m_points.count() + coarseCount - 1) / coarseCount);
 }
 
 vtkSmartPointer<vtkIdTypeArray> Scatter3DPlot::visibleSelection() const

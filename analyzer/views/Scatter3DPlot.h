@@ -9,10 +9,13 @@
 #include <dataviews/common/charts/RingedPlot.h>
 
 #include <vtkPlotPoints.h>
+#include <vtkSmartPointer.h>
+#include <vtkUnsignedCharArray.h>
 
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <memory>
 #include <optional>
 #include <vector>
 
@@ -45,6 +48,16 @@ public:
     /// Whether only some of many points are painted, for a picture that soon changes again.
     void setCoarse(bool isCoarse) { m_isCoarse = isCoarse; }
 
+    /// Whether on the screen a change of very many points is painted with some of them first, at once, and with all when
+    /// they have been drawn in between: see isUnrefined(). Without it every picture has all points.
+    void setPrompt(bool isPrompt) { m_isPrompt = isPrompt; }
+
+    /// Whether points were left out of what was painted last that are to be there.
+    [[nodiscard]] bool isUnrefined() const { return m_refining.has_value(); }
+
+    /// Draws on what was left out, for a few hundredths of a second. Whether all is there, and is to be painted.
+    bool refine();
+
     [[nodiscard]] const Chart3DProjection& projection() const { return m_projection; }
 
     [[nodiscard]] const Chart3DBox& box() const { return m_box; }
@@ -53,7 +66,7 @@ public:
     [[nodiscard]] const Scatter3DPoints& points() const { return m_points; }
 
     /// The points as last painted, without the marks of selected ones.
-    [[nodiscard]] const Scatter3DPicture& picture() const { return m_picture; }
+    [[nodiscard]] const Scatter3DPicture& picture() const { return *m_picture; }
 
     void Update() override;
     bool Paint(vtkContext2D* painter) override;
@@ -98,14 +111,15 @@ private:
         std::uint64_t version = 0; ///< of the picture; 0 for none
     };
 
-    void drawPicture();
+    /// With all points at once if \p isWhole.
+    void drawPicture(bool isWhole);
     void drawMarks();
     [[nodiscard]] bool areAllMarked() const;
 
     /// Over the area.
     void paintPicture(
         vtkOpenGLContextDevice2D& device, const Scatter3DPicture& picture, Shown& shown) const;
-    [[nodiscard]] std::size_t stride() const;
+    [[nodiscard]] std::size_t coarseStride() const;
     [[nodiscard]] vtkSmartPointer<vtkIdTypeArray> visibleSelection() const;
 
     Chart3DBox m_box;
@@ -113,8 +127,13 @@ private:
     Chart3DProjection m_projection;
     bool m_isCoarse = false;
     vtkMTimeType m_colorsFrom = 0; ///< when what the colors are made from had changed last
-    Scatter3DPicture m_picture;
+    std::unique_ptr<Scatter3DPicture> m_picture = std::make_unique<Scatter3DPicture>();
     std::optional<Drawn> m_drawn;
+    bool m_isPrompt = false;
+    std::unique_ptr<Scatter3DPicture> m_finer = std::make_unique<Scatter3DPicture>();
+    std::optional<Drawn> m_refining; ///< what is to be drawn with all points
+    bool m_isRefiningStarted = false;
+    vtkSmartPointer<vtkUnsignedCharArray> m_refiningColors; ///< kept as long as they are drawn from
     Shown m_shown;
     Scatter3DPicture m_marks; ///< if they are many
     std::optional<Drawn> m_marksDrawn;

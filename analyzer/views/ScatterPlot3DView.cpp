@@ -184,6 +184,7 @@ void ScatterPlot3DView::suspend()
     m_connections.block();
     m_synchronizer->suspend();
     m_mouse->setEnabled(false);
+    m_refining.stop();
     // The hovered case is looked for among no points.
     m_hover->setPlots({});
 }
@@ -204,7 +205,10 @@ QWidget& ScatterPlot3DView::widget()
 
 void ScatterPlot3DView::render()
 {
+    // Whoever asks for a picture wants all of it.
+    m_plot->setPrompt(false);
     m_view->Render();
+    m_plot->setPrompt(true);
 }
 
 std::string ScatterPlot3DView::kind() const
@@ -398,6 +402,7 @@ void ScatterPlot3DView::buildChart()
     m_plot->SetVisible(false);
     m_plot->SetMarkerStyle(vtkPlotPoints::CIRCLE);
     m_plot->SetLegendVisibility(false);
+    m_plot->setPrompt(true);
     m_chart->AddPlot(m_plot);
 
     m_startObserver = vtkCvCommandProxy::New([this] { renderingStarts(); });
@@ -529,6 +534,7 @@ void ScatterPlot3DView::buildListeners(const ViewServices& services)
     m_mouse =
         std::make_unique<Chart3DMouse>(*m_widget, *m_chart, *m_plot, m_plainCamera, mouseMode());
     connect(m_mouse.get(), &Chart3DMouse::menuRequested, this, &ScatterPlot3DView::showMenu);
+    connect(&m_refining, &QTimer::timeout, this, &ScatterPlot3DView::refine);
     connect(m_mouse.get(), &Chart3DMouse::paintingNeeded, this, [this] { markForPainting(); });
     m_hover = std::make_unique<ChartHover>(
         *m_widget,
@@ -738,6 +744,19 @@ void ScatterPlot3DView::renderingStarts()
 void ScatterPlot3DView::renderingEnds()
 {
     m_chart->updateHiddenAxes();
+    if (m_plot->isUnrefined()) {
+        m_refining.start();
+    }
+}
+
+void ScatterPlot3DView::refine()
+{
+    if (m_plot->refine()) {
+        markForPainting();
+    }
+    if (!m_plot->isUnrefined()) {
+        m_refining.stop();
+    }
 }
 
 void ScatterPlot3DView::showMenu(const QPoint& place)

@@ -15,6 +15,7 @@
 #include <QObject>
 #include <QPoint>
 #include <QPointer>
+#include <QTimer>
 
 #include <vtkNew.h>
 #include <vtkSmartPointer.h>
@@ -141,6 +142,9 @@ private:
     void markForPainting();
     void renderingStarts();
     void renderingEnds();
+
+    /// Draws on the points that were left out so that the chart is painted at once.
+    void refine();
     void showMenu(const QPoint& place);
     [[nodiscard]] const NotDrawnCases& notDrawn() const;
     [[nodiscard]] double opacity() const;
@@ -169,6 +173,7 @@ private:
     bool m_isSuspended = false;
     mutable std::optional<NotDrawnCases> m_notDrawn;
     SignalConnectionCollection m_connections;
+    QTimer m_refining; ///< runs while points are left out
     QPoint m_mousePlace; ///< of the last right click in the widget, in its coordinates
 };
 

@@ -163,6 +163,47 @@ TEST(Scatter3DPictureTest, FindsTheOrderOfManyPointsByTheirNearness)
     }
 }
 
+TEST(Scatter3DPictureTest, IsTheSameWhenDrawnBitByBit)
+{
+    constexpr int count = 2000;
+    constexpr int tall = 400; // several bands
+    std::mt19937 random(13);
+    std::uniform_real_distribution<float> share(0.0F, 1.0F);
+    std::vector<float> places;
+    std::vector<float> nearness;
+    std::vector<unsigned char> colors;
+    for (int i = 0; i < count; ++i) {
+        places.push_back(share(random) * width);
+        places.push_back(share(random) * tall);
+        nearness.push_back(share(random));
+        for (int j = 0; j < 4; ++j) {
+            colors.push_back(static_cast<unsigned char>(255.0F * share(random)));
+        }
+    }
+    const Scatter3DPicture::Cloud cloud{
+        places.data(), nearness.data(), count, colors.data(), {10, 120, 250, 204}};
+    Scatter3DPicture whole;
+    Scatter3DPicture picture;
+    whole.draw(cloud, 7, width, tall);
+
+    picture.startDrawing(cloud, 7, width, tall);
+    // What the places are later does not matter.
+    std::fill(places.begin(), places.end(), 0.0F);
+    int steps = 1;
+    while (!picture.drawMore({})) {
+        ++steps;
+    }
+
+    EXPECT_GT(steps, 1);
+    for (int line = 0; line < tall; ++line) {
+        const std::uint32_t* const pixels = picture.pixels().row(line);
+        ASSERT_TRUE(std::equal(pixels, pixels + width, whole.pixels().row(line))) << line;
+    }
+
+    picture.startDrawing(cloud, 7, 0, tall);
+    EXPECT_TRUE(picture.drawMore({}));
+}
+
 TEST(Scatter3DPictureTest, MarksOfNearPointsCoverThoseBehindAndDiscsCoverMarks)
 {
     // Two that overlap, the first one nearer, and one beside.

@@ -25,8 +25,10 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cstdint>
 #include <functional>
 #include <limits>
+#include <random>
 #include <set>
 #include <string>
 #include <vector>
@@ -518,6 +520,47 @@ TEST_F(ScatterPlot3DViewTest, AnotherStudyLeavesNothingToDrawAndNothingToPick)
     m_view->render();
     EXPECT_TRUE(m_view->plot().GetVisible());
     EXPECT_EQ(drawn(), std::set<long long>({1}));
+}
+
+TEST_F(ScatterPlot3DViewTest, VeryManyPointsAreAllThereInTheEnd)
+{
+    constexpr std::size_t count = 450000;
+    std::mt19937 random(5);
+    std::uniform_real_distribution<double> share(0.0, 1.0);
+    SmallStudy many{count};
+    for (const char* name : {"X", "Y", "Z"}) {
+        std::vector<double> values(count);
+        std::generate(values.begin(), values.end(), [&] { return share(random); });
+        many.add(name, values);
+    }
+    many.open();
+    m_view = makeView();
+    m_view->widget().show();
+    ASSERT_TRUE(QTest::qWaitForWindowExposed(&m_view->widget()));
+    const auto refined = [this] { return !m_view->plot().isUnrefined(); };
+    ASSERT_TRUE(QTest::qWaitFor(refined));
+    const auto pixels = [this] {
+        const PixelPicture& picture = m_view->plot().picture().pixels();
+        return std::vector<std::uint32_t>(
+            picture.row(0), picture.row(0) + picture.stride() * picture.height());
+    };
+
+    // One change while points are being added to the last one.
+    for (const double azimuth : {30.0, 60.0}) {
+        m_view->camera()->setValue({azimuth, 20.0, 1.0, 0.0, 0.0});
+        QCoreApplication::sendPostedEvents();
+        EXPECT_FALSE(refined());
+    }
+    const std::vector<std::uint32_t> first = pixels();
+    ASSERT_TRUE(QTest::qWaitFor(refined));
+    const std::vector<std::uint32_t> last = pixels();
+    m_view->camera()->setValue({31.0, 20.0, 1.0, 0.0, 0.0});
+    m_view->camera()->setValue({60.0, 20.0, 1.0, 0.0, 0.0});
+    m_view->render();
+
+    EXPECT_NE(first, last);
+    EXPECT_TRUE(refined());
+    EXPECT_EQ(pixels(), last);
 }
 
 TEST_F(ScatterPlot3DViewTest, TellsAVisitorItsKind)
