@@ -60,6 +60,12 @@ void forEachAtOnce(std::size_t count, const Function& function)
         });
 }
 
+/// Around the middle of a square.
+int reachOf(const std::vector<std::uint32_t>& sprite)
+{
+    return static_cast<int>(std::lround(std::sqrt(sprite.size()))) / 2;
+}
+
 /// Premultiplied, as in PixelPicture.
 std::uint32_t bytesOf(const Pixel& pixel)
 {
@@ -364,35 +370,55 @@ void Scatter3DPicture::draw(const Cloud& cloud, float diameter, int width, int h
     drawLayers(ByNearness(cloud), {{m_discReach, nullptr}});
 }
 
+void Scatter3DPicture::drawMarks(
+    const Cloud& cloud, const Marks& marks, float diameter, int width, int height)
+{
+    begin(diameter, width, height, reachOf(marks.sprite));
+    drawLayers(ByNearness(cloud, &marks), layersOf(marks, marks.sprite));
+}
+
 void Scatter3DPicture::startDrawing(const Cloud& cloud, float diameter, int width, int height)
 {
     begin(diameter, width, height, 0);
-    m_colors = cloud.colors;
-    m_plain = cloud.plain;
-    if (m_width == 0 || m_height == 0) {
-        m_bandCount = 0;
-        return;
-    }
-    sortEntries(ByNearness(cloud));
+    start(ByNearness(cloud), {{m_discReach, nullptr}});
+}
+
+void Scatter3DPicture::startDrawingMarks(
+    const Cloud& cloud, const Marks& marks, float diameter, int width, int height)
+{
+    begin(diameter, width, height, reachOf(marks.sprite));
+    m_sprite = marks.sprite;
+    start(ByNearness(cloud, &marks), layersOf(marks, m_sprite));
 }
 
 bool Scatter3DPicture::drawMore(std::chrono::steady_clock::time_point end)
 {
-    drawBands({{m_discReach, nullptr}}, m_colors, m_plain, end);
+    drawBands(m_layers, m_colors, m_plain, end);
     return m_nextBand >= m_bandCount;
 }
 
-void Scatter3DPicture::drawMarks(
-    const Cloud& cloud, const Marks& marks, float diameter, int width, int height)
+std::vector<Scatter3DPicture::Layer> Scatter3DPicture::layersOf(
+    const Marks& marks, const std::vector<std::uint32_t>& sprite) const
 {
-    const int side = static_cast<int>(std::lround(std::sqrt(marks.sprite.size())));
-    begin(diameter, width, height, side / 2);
     std::vector<Layer> layers;
     if (marks.withDiscs) {
         layers.push_back({m_discReach, nullptr});
     }
-    layers.push_back({side / 2, &marks.sprite});
-    drawLayers(ByNearness(cloud, &marks), layers);
+    layers.push_back({reachOf(sprite), &sprite});
+    return layers;
+}
+
+template <class Source>
+void Scatter3DPicture::start(const Source& source, std::vector<Layer> layers)
+{
+    m_colors = source.colors;
+    m_plain = source.plain;
+    m_layers = std::move(layers);
+    if (m_width == 0) {
+        m_bandCount = 0;
+    } else {
+        sortEntries(source);
+    }
 }
 
 vtkImageData& Scatter3DPicture::image() const

@@ -73,6 +73,10 @@ public:
     /// done or another drawing begins.
     void startDrawing(const Cloud& cloud, float diameter, int width, int height);
 
+    /// The same for what drawMarks() draws.
+    void startDrawingMarks(
+        const Cloud& cloud, const Marks& marks, float diameter, int width, int height);
+
     /// Goes on until \p end, or a little longer. Whether all is drawn.
     bool drawMore(std::chrono::steady_clock::time_point end);
 
@@ -126,6 +130,12 @@ private:
     };
 
     void begin(float diameter, int width, int height, int reach);
+    [[nodiscard]] std::vector<Layer> layersOf(
+        const Marks& marks, const std::vector<std::uint32_t>& sprite) const;
+
+    /// Keeps what drawMore() needs.
+    template <class Source>
+    void start(const Source& source, std::vector<Layer> layers);
     void makeDiscs(float diameter);
 
     /// Draws \p layers, the first one in front, of all that \p source has.
@@ -165,6 +175,8 @@ private:
     int m_nextBand = 0; ///< the first one that is not drawn
     const unsigned char* m_colors = nullptr; ///< of the cloud that is drawn bit by bit
     std::array<unsigned char, 4> m_plain = {}; ///< likewise
+    std::vector<Layer> m_layers; ///< likewise
+    std::vector<std::uint32_t> m_sprite; ///< of a layer
     std::vector<Bins> m_bins; ///< a part of the points in each
     std::vector<Worker> m_workers;
     PixelPicture m_picture;

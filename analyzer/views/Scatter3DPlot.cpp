@@ -28,6 +28,8 @@ namespace analyzer {
 namespace {
 
 constexpr std::size_t coarseCount = 200000; ///< points that are painted in passing
+constexpr std::size_t coarseMarkCount = 50000; ///< likewise of marks
+constexpr std::chrono::milliseconds slice(25); ///< of drawing on
 constexpr std::size_t channelCount = 4;
 constexpr vtkIdType manySelected = 20000; ///< marks that are not all painted
 constexpr vtkIdType manyMarks = 2000; ///< that are painted faster as a picture
@@ -89,11 +91,14 @@ bool Scatter3DPlot::Paint(vtkContext2D* painter)
     auto* const device = vtkOpenGLContextDevice2D::SafeDownCast(painter->GetDevice());
     bool isPainted = true;
     if (device != nullptr && Selection != nullptr && Selection->GetNumberOfValues() > manyMarks) {
-        drawMarks();
+        drawMarks(!m_isPrompt);
         // Nobody would see the points behind filled marks of their own.
-        isPainted = (ring()->coversPoints() && areAllMarked()) || paintUnmarked(painter);
-        paintPicture(*device, m_marks, m_marksShown);
+        const bool areHidden =
+            ring()->coversPoints() && m_marksDrawn->stride == 1 && areAllMarked();
+        isPainted = areHidden || paintUnmarked(painter);
+        paintPicture(*device, *m_marks, m_marksShown);
     } else {
+        m_marksRefining.reset();
         const vtkSmartPointer<vtkIdTypeArray> all = Selection;
         const vtkSmartPointer<vtkIdTypeArray> visible = visibleSelection();
         Selection = visible;
@@ -235,10 +240,11 @@ void Scatter3DPlot::drawPicture(bool isWhole)
 
 bool Scatter3DPlot::refine()
 {
-    constexpr std::chrono::milliseconds slice(25);
-    if (!m_refining) {
-        return false;
-    }
+    return m_refining ? refinePoints() : m_marksRefining && refineMarks();
+}
+
+bool Scatter3DPlot::refinePoints()
+{
     if (!(*m_refining == wanted())) {
         m_refining.reset(); // to be painted anew, which will ask for it again
         return true;
@@ -253,34 +259,80 @@ bool Scatter3DPlot::refine()
     if (!m_finer->drawMore(std::chrono::steady_clock::now() + slice)) {
         return false;
     }
-    m_refiningColors = nullptr;
     std::swap(m_picture, m_finer);
     m_shown.version = 0;
     m_drawn = std::exchange(m_refining, std::nullopt);
     return true;
 }
 
-void Scatter3DPlot::drawMarks()
+bool Scatter3DPlot::refineMarks()
 {
     Drawn drawn = wanted();
-    drawn.stride = 1; // Marks are never left out.
+    drawn.stride = 1;
+    if (!(*m_marksRefining == drawn)) {
+        m_marksRefining.reset();
+        return true;
+    }
+    if (!m_isMarksRefiningStarted) {
+        m_isMarksRefiningStarted = true;
+        m_refiningColors = Colors;
+        SelectionRing& mark = *ring();
+        m_finerMarks->startDrawingMarks(
+            cloud(drawn),
+            {m_marked.data(),
+             m_marked.size(),
+             mark.raster(drawn.size).sprite,
+             !mark.coversPoints()},
+            drawn.size,
+            drawn.pixels[0],
+            drawn.pixels[1]);
+        return false;
+    }
+    if (!m_finerMarks->drawMore(std::chrono::steady_clock::now() + slice)) {
+        return false;
+    }
+    std::swap(m_marks, m_finerMarks);
+    m_marksShown.version = 0;
+    m_marksDrawn = std::exchange(m_marksRefining, std::nullopt);
+    return true;
+}
+
+void Scatter3DPlot::drawMarks(bool isWhole)
+{
+    Drawn drawn = wanted();
+    drawn.stride = 1; // While the mouse is dragged, too.
     // The values and not the time of their change, for plots write into the array without telling.
     const vtkIdType* const rows = Selection->GetPointer(0);
     const auto count = static_cast<std::size_t>(Selection->GetNumberOfValues());
     SelectionRing& mark = *ring();
-    const bool isSame =
-        m_marked.size() == count && std::equal(m_marked.begin(), m_marked.end(), rows);
-    if (isSame && m_marksDrawn == drawn && m_marksColors == mark.colors()) {
+    const bool isSame = m_marked.size() == count
+        && std::equal(m_marked.begin(), m_marked.end(), rows) && m_marksColors == mark.colors();
+    const bool isPut = !isWhole && count > coarseMarkCount && !(isSame && m_marksDrawn == drawn);
+    if (!isPut) {
+        m_marksRefining.reset();
+    } else if (!isSame || !(m_marksRefining == drawn)) {
+        m_marksRefining = drawn;
+        m_isMarksRefiningStarted = false;
+    }
+    if (isPut) {
+        drawn.stride = (count + coarseMarkCount - 1) / coarseMarkCount;
+    }
+    if (isSame && m_marksDrawn == drawn) {
         return;
     }
-    if (!isSame) {
-        m_marked.assign(rows, rows + count);
+    m_marked.assign(rows, rows + count);
+    m_fewMarked.clear();
+    for (std::size_t i = 0; i < count; i += drawn.stride) {
+        m_fewMarked.push_back(m_marked[i]);
     }
     m_marksDrawn = drawn;
     m_marksColors = mark.colors();
-    m_marks.drawMarks(
+    m_marks->drawMarks(
         cloud(drawn),
-        {m_marked.data(), count, mark.raster(drawn.size).sprite, !mark.coversPoints()},
+        {m_fewMarked.data(),
+         m_fewMarked.size(),
+         mark.raster(drawn.size).sprite,
+         !mark.coversPoints()},
         drawn.size,
         drawn.pixels[0],
         drawn.pixels[1]);

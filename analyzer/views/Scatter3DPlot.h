@@ -53,9 +53,13 @@ public:
     void setPrompt(bool isPrompt) { m_isPrompt = isPrompt; }
 
     /// Whether points were left out of what was painted last that are to be there.
-    [[nodiscard]] bool isUnrefined() const { return m_refining.has_value(); }
+    [[nodiscard]] bool isUnrefined() const
+    {
+        return m_refining.has_value() || m_marksRefining.has_value();
+    }
 
-    /// Draws on what was left out, for a few hundredths of a second. Whether all is there, and is to be painted.
+    /// Draws on what was left out, for a few hundredths of a second. Whether all points or all marks are there, and are
+    /// to be painted.
     bool refine();
 
     [[nodiscard]] const Chart3DProjection& projection() const { return m_projection; }
@@ -113,7 +117,9 @@ private:
 
     /// With all points at once if \p isWhole.
     void drawPicture(bool isWhole);
-    void drawMarks();
+    void drawMarks(bool isWhole);
+    [[nodiscard]] bool refinePoints();
+    [[nodiscard]] bool refineMarks();
     [[nodiscard]] bool areAllMarked() const;
 
     /// Over the area.
@@ -135,8 +141,13 @@ private:
     bool m_isRefiningStarted = false;
     vtkSmartPointer<vtkUnsignedCharArray> m_refiningColors; ///< kept as long as they are drawn from
     Shown m_shown;
-    Scatter3DPicture m_marks; ///< if they are many
+    std::unique_ptr<Scatter3DPicture> m_marks =
+        std::make_unique<Scatter3DPicture>(); ///< if they are many
     std::optional<Drawn> m_marksDrawn;
+    std::unique_ptr<Scatter3DPicture> m_finerMarks = std::make_unique<Scatter3DPicture>();
+    std::optional<Drawn> m_marksRefining; ///< likewise of the marks
+    bool m_isMarksRefiningStarted = false;
+    std::vector<vtkIdType> m_fewMarked; ///< those that are painted at once
     SelectionRing::Colors m_marksColors; ///< as drawn
     std::vector<vtkIdType> m_marked; ///< the rows with a mark, as drawn
     Shown m_marksShown;

@@ -182,22 +182,39 @@ TEST(Scatter3DPictureTest, IsTheSameWhenDrawnBitByBit)
     }
     const Scatter3DPicture::Cloud cloud{
         places.data(), nearness.data(), count, colors.data(), {10, 120, 250, 204}};
-    Scatter3DPicture whole;
+    std::vector<vtkIdType> marked(count / 3);
+    std::iota(marked.begin(), marked.end(), vtkIdType(5));
+    std::vector<std::uint32_t> sprite(11 * 11, 0x80402010U);
     Scatter3DPicture picture;
-    whole.draw(cloud, 7, width, tall);
+    for (const bool areMarks : {false, true}) {
+        SCOPED_TRACE(areMarks);
+        const std::vector<float> placesBefore = places;
+        const std::vector<std::uint32_t> spriteBefore = sprite;
+        const Scatter3DPicture::Marks marks{marked.data(), marked.size(), sprite, true};
+        Scatter3DPicture whole;
+        if (areMarks) {
+            whole.drawMarks(cloud, marks, 7, width, tall);
+            picture.startDrawingMarks(cloud, marks, 7, width, tall);
+        } else {
+            whole.draw(cloud, 7, width, tall);
+            picture.startDrawing(cloud, 7, width, tall);
+        }
 
-    picture.startDrawing(cloud, 7, width, tall);
-    // What the places are later does not matter.
-    std::fill(places.begin(), places.end(), 0.0F);
-    int steps = 1;
-    while (!picture.drawMore({})) {
-        ++steps;
-    }
+        // What these are later does not matter.
+        std::fill(places.begin(), places.end(), 0.0F);
+        std::fill(sprite.begin(), sprite.end(), 0U);
+        int steps = 1;
+        while (!picture.drawMore({})) {
+            ++steps;
+        }
 
-    EXPECT_GT(steps, 1);
-    for (int line = 0; line < tall; ++line) {
-        const std::uint32_t* const pixels = picture.pixels().row(line);
-        ASSERT_TRUE(std::equal(pixels, pixels + width, whole.pixels().row(line))) << line;
+        EXPECT_GT(steps, 1);
+        for (int line = 0; line < tall; ++line) {
+            const std::uint32_t* const pixels = picture.pixels().row(line);
+            ASSERT_TRUE(std::equal(pixels, pixels + width, whole.pixels().row(line))) << line;
+        }
+        std::copy(placesBefore.begin(), placesBefore.end(), places.begin());
+        std::copy(spriteBefore.begin(), spriteBefore.end(), sprite.begin());
     }
 
     picture.startDrawing(cloud, 7, 0, tall);

@@ -561,6 +561,18 @@ TEST_F(ScatterPlot3DViewTest, VeryManyPointsAreAllThereInTheEnd)
     EXPECT_NE(first, last);
     EXPECT_TRUE(refined());
     EXPECT_EQ(pixels(), last);
+
+    Cases all;
+    for (unsigned long long caseID = 1; caseID <= count; ++caseID) {
+        all.insert(all.end(), caseID);
+    }
+    m_master->setSelection(all);
+    QCoreApplication::sendPostedEvents();
+    EXPECT_FALSE(refined());
+    ASSERT_TRUE(QTest::qWaitFor(refined));
+    m_master->setSelection({1});
+    QCoreApplication::sendPostedEvents();
+    EXPECT_TRUE(refined());
 }
 
 TEST_F(ScatterPlot3DViewTest, TellsAVisitorItsKind)
