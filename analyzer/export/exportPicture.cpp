@@ -199,7 +199,8 @@ QImage paintedImage(const Geometry& geometry, const PaintFunction& paint)
     return isWhole ? image : QImage();
 }
 
-/// Takes what is written as long as it may go on; whoever packs pixels ends at the first refusal.
+/// Takes what is written, and forgets it as soon as it may not go on. It does not refuse it: Qt's way to pack pixels as PNG
+/// loses memory then.
 class InterruptibleBuffer : public QIODevice
 {
 public:
@@ -219,10 +220,9 @@ protected:
     qint64 writeData(const char* data, qint64 size) override
     {
         m_isInterrupted = m_isInterrupted || !m_goesOn();
-        if (m_isInterrupted) {
-            return -1;
+        if (!m_isInterrupted) {
+            m_bytes.append(data, static_cast<int>(size));
         }
-        m_bytes.append(data, static_cast<int>(size));
         return size;
     }
 
@@ -235,13 +235,10 @@ private:
 QByteArray pngBytes(const QImage& picture, const std::function<bool()>& goesOn)
 {
     InterruptibleBuffer buffer(goesOn);
-    if (picture.save(&buffer, "PNG")) {
-        return buffer.bytes();
-    }
-    if (!buffer.isInterrupted()) {
+    if (!picture.save(&buffer, "PNG")) {
         throw ExceptionBase("The picture cannot be encoded as PNG.");
     }
-    return {};
+    return buffer.isInterrupted() ? QByteArray() : buffer.bytes();
 }
 
 bool goOn(double /*fraction*/)
