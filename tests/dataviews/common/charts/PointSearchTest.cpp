@@ -92,6 +92,27 @@ TEST(PointSearchTest, SelectsWhatVTKSelectsInTheSameArray)
     }
 }
 
+TEST(PointSearchTest, ANewSelectionLeavesThePointsAsTheyAre)
+{
+    std::mt19937 random(6);
+    const auto table = randomTable(random, 50.0);
+    vtkNew<RingedPlotPoints> plot;
+    plot->SetInputData(table, 0, 1);
+    plot->Update();
+    const vtkMTimeType before = plot->GetMTime();
+    const vtkNew<vtkIdTypeArray> rows;
+    const vtkMTimeType rowsBefore = rows->GetMTime();
+
+    plot->SetSelection(rows);
+
+    EXPECT_EQ(plot->GetSelection(), rows.GetPointer());
+    EXPECT_EQ(plot->GetMTime(), before);
+    // Else marks of fewer points, which go by that, would stay where they were.
+    EXPECT_GT(rows->GetMTime(), rowsBefore);
+    plot->SetMarkerSize(3.0F);
+    EXPECT_GT(plot->GetMTime(), before);
+}
+
 TEST(PointSearchTest, FindsTheNearestPointThatVTKFinds)
 {
     std::mt19937 random(2);
