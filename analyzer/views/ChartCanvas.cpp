@@ -2,17 +2,25 @@
 
 #include <QCoreApplication>
 #include <QEvent>
+#include <QOpenGLContext>
+#include <QOpenGLFunctions>
 #include <QPointer>
 #include <QScopedValueRollback>
+#include <QVTKRenderWindowAdapter.h>
 
 #include <vtkContextInteractorStyle.h>
 #include <vtkContextScene.h>
 #include <vtkContextView.h>
+#include <vtkGenericOpenGLRenderWindow.h>
 #include <vtkNew.h>
 #include <vtkObjectFactory.h>
-#include <vtkRenderWindow.h>
+#include <vtkOpenGLFramebufferObject.h>
+#include <vtkOpenGLState.h>
 #include <vtkRenderWindowInteractor.h>
+#include <vtkRenderer.h>
+#include <vtkRendererCollection.h>
 
+#include <array>
 #include <functional>
 #include <utility>
 
@@ -91,6 +99,22 @@ bool ChartCanvas::event(QEvent* event)
     return isHandled;
 }
 
+void ChartCanvas::paintEvent(QPaintEvent* event)
+{
+    const QScopedValueRollback<bool> withWindow(m_isWithWindow, true);
+    QVTKOpenGLNativeWidget::paintEvent(event);
+}
+
+void ChartCanvas::paintGL()
+{
+    if (!m_isWithWindow || hasPictureOfSize()) {
+        QVTKOpenGLNativeWidget::paintGL();
+        return;
+    }
+    showLastPicture();
+    requestPainting();
+}
+
 void ChartCanvas::requestPainting()
 {
     if (m_isRequested || !needsPainting()) {
@@ -103,7 +127,40 @@ void ChartCanvas::requestPainting()
 
 bool ChartCanvas::needsPainting() const
 {
-    return m_scene != nullptr && m_scene->GetDirty() && isVisible();
+    const bool isMarked = m_scene != nullptr && m_scene->GetDirty();
+    return isVisible() && (isMarked || (isValid() && !hasPictureOfSize()));
+}
+
+bool ChartCanvas::hasPictureOfSize() const
+{
+    const int* const picture = RenderWindow->GetRenderFramebuffer()->GetLastSize();
+    const int* const window = RenderWindow->GetSize();
+    return picture[0] == window[0] && picture[1] == window[1];
+}
+
+void ChartCanvas::showLastPicture()
+{
+    vtkOpenGLState& state = *RenderWindow->GetState();
+    state.Reset();
+    state.Push();
+    if (RenderWindow->GetRenderFramebuffer()->GetFBOIndex() != 0) {
+        const QSize pixels = size() * devicePixelRatioF();
+        RenderWindowAdapter->blit(
+            defaultFramebufferObject(), GL_COLOR_ATTACHMENT0, QRect(QPoint(0, 0), pixels));
+    } else {
+        std::array<double, 3> background = {};
+        if (vtkRenderer* const first = RenderWindow->GetRenderers()->GetFirstRenderer()) {
+            first->GetBackground(background.data());
+        }
+        QOpenGLFunctions& gl = *context()->functions();
+        gl.glClearColor(
+            static_cast<float>(background[0]),
+            static_cast<float>(background[1]),
+            static_cast<float>(background[2]),
+            1.0F);
+        gl.glClear(GL_COLOR_BUFFER_BIT);
+    }
+    state.Pop();
 }
 
 } // namespace analyzer

@@ -12,7 +12,8 @@ namespace analyzer {
 /// The widget that a chart is painted in.
 ///
 /// Does not paint in the middle of taking another size or place, as QOpenGLWidget does at each step of a layout, but
-/// once, when all of the window is painted.
+/// once, after the window: which shows the last picture in the new size meanwhile, or the background if there is none.
+/// So charts of very many points, each with its event, do not hold up the window together. grab() has a new picture.
 class ChartCanvas : public QVTKOpenGLNativeWidget
 {
 public:
@@ -25,15 +26,23 @@ public:
 
 protected:
     bool event(QEvent* event) override;
+    void paintEvent(QPaintEvent* event) override;
+    void paintGL() override;
 
 private:
     void requestPainting();
     [[nodiscard]] bool needsPainting() const;
 
+    /// Whether there is a picture in the size of the window.
+    [[nodiscard]] bool hasPictureOfSize() const;
+    void showLastPicture();
+
     vtkWeakPointer<vtkContextScene> m_scene; ///< null until there is one to follow
     bool m_isRequested = false;
     bool m_takesShape = false;
     bool m_isStale = false; ///< a painting was put off
+    bool m_isWithWindow =
+        false; ///< what is painted is for the window, and for nobody who waits for it
 };
 
 } // namespace analyzer

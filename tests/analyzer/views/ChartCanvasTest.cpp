@@ -1,5 +1,6 @@
 #include <analyzer/views/ChartCanvas.h>
 
+#include <QImage>
 #include <QTest>
 
 #include <vtkCallbackCommand.h>
@@ -53,6 +54,37 @@ TEST(ChartCanvasTest, PaintsOnceItsSizeHasSettled)
 
     EXPECT_GE(frames, 1);
     EXPECT_EQ(window->GetSize()[0], 200 * qRound(canvas->devicePixelRatioF()));
+}
+
+TEST(ChartCanvasTest, PaintsANewSizeAfterTheWindowAndAtOnceForWhoWantsAPicture)
+{
+    QWidget parent;
+    parent.resize(400, 300);
+    auto* canvas = new analyzer::ChartCanvas(&parent);
+    const vtkNew<vtkGenericOpenGLRenderWindow> window;
+    const vtkNew<vtkRenderer> renderer;
+    renderer->SetBackground(1.0, 0.0, 0.0);
+    window->AddRenderer(renderer);
+    canvas->setRenderWindow(window);
+    canvas->resize(100, 100);
+    parent.show();
+    ASSERT_TRUE(QTest::qWaitForWindowExposed(&parent));
+    QCoreApplication::processEvents();
+    int frames = 0;
+    count(frames, *renderer);
+
+    canvas->resize(200, 120);
+    QCoreApplication::sendPostedEvents(&parent, QEvent::UpdateRequest);
+    EXPECT_EQ(frames, 0);
+    QCoreApplication::processEvents();
+    EXPECT_EQ(frames, 1);
+
+    canvas->resize(150, 200);
+    const QImage picture = parent.grab().toImage();
+    EXPECT_EQ(frames, 2);
+    EXPECT_EQ(picture.pixelColor(140, 190), QColor(Qt::red));
+    QCoreApplication::processEvents();
+    EXPECT_EQ(frames, 2);
 }
 
 TEST(ChartCanvasTest, PaintsAMarkedSceneOnceBeforeTheWindowAndNotWhileItIsHidden)
