@@ -1,13 +1,17 @@
 #include <analyzer/views/ChartCanvas.h>
 
+#include <dataviews/platform/vtk/vtkCvCommandProxy.h>
+
 #include <QCoreApplication>
 #include <QEvent>
 #include <QOpenGLContext>
 #include <QOpenGLFunctions>
 #include <QPointer>
 #include <QScopedValueRollback>
+#include <QVTKInteractor.h>
 #include <QVTKRenderWindowAdapter.h>
 
+#include <vtkCommand.h>
 #include <vtkContextInteractorStyle.h>
 #include <vtkContextScene.h>
 #include <vtkContextView.h>
@@ -66,7 +70,16 @@ void ChartCanvas::paintMarkedSceneOf(vtkContextView& view)
             canvas->requestPainting();
         }
     });
-    view.GetInteractor()->SetInteractorStyle(style);
+    vtkRenderWindowInteractor& interactor = *view.GetInteractor();
+    interactor.SetInteractorStyle(style);
+    // VTK's widgets, such as the one of a color bar, ask the interactor for a picture at every change.
+    interactor.EnableRenderOff();
+    interactor.AddObserver(
+        vtkCommand::RenderEvent, vtkCvCommandProxy::New([canvas = QPointer<ChartCanvas>(this)] {
+            if (canvas && canvas->m_scene != nullptr && !canvas->interactor()->GetEnableRender()) {
+                canvas->m_scene->SetDirty(true);
+            }
+        }));
 }
 
 bool ChartCanvas::event(QEvent* event)
@@ -107,12 +120,14 @@ void ChartCanvas::paintEvent(QPaintEvent* event)
 
 void ChartCanvas::paintGL()
 {
-    if (!m_isWithWindow || hasPictureOfSize()) {
-        QVTKOpenGLNativeWidget::paintGL();
+    if (m_isWithWindow && !hasPictureOfSize()) {
+        showLastPicture();
+        requestPainting();
         return;
     }
-    showLastPicture();
-    requestPainting();
+    interactor()->EnableRenderOn();
+    QVTKOpenGLNativeWidget::paintGL();
+    interactor()->SetEnableRender(m_scene == nullptr);
 }
 
 void ChartCanvas::requestPainting()

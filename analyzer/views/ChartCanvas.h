@@ -21,7 +21,7 @@ public:
 
     /// Paints the scene of \p view, which has the render window of this widget, when it is marked as dirty: with whatever
     /// else of the window has changed, so that the window is put together once. Not while the widget is hidden; what was
-    /// marked meanwhile is painted when it is shown.
+    /// marked meanwhile is painted when it is shown. To render the view's interactor is to mark the scene.
     void paintMarkedSceneOf(vtkContextView& view);
 
 protected:

@@ -7,37 +7,71 @@
 #include <vtkDoubleArray.h>
 #include <vtkIntArray.h>
 #include <vtkObjectFactory.h>
+#include <vtkSMPTools.h>
 #include <vtkSmartPointer.h>
 #include <vtkStringArray.h>
 #include <vtkTable.h>
 
 #include <utility>
+#include <vector>
 
 namespace {
 
+constexpr vtkIdType rowsWorthThread = 20000;
+
 template <class Array>
-vtkSmartPointer<vtkAbstractArray> chosenRows(
-    Array& column, const RowBitmap& rows, vtkIdType rowCount)
+void chooseRows(Array& column, const RowBitmap& rows, vtkIdType rowCount, Array& chosen)
 {
-    const auto chosen = vtkSmartPointer<Array>::New();
-    chosen->SetName(column.GetName());
-    chosen->SetNumberOfValues(rowCount);
-    copyRows(column.GetPointer(0), rows, chosen->GetPointer(0));
-    return chosen;
+    chosen.SetNumberOfValues(rowCount);
+    copyRows(column.GetPointer(0), rows, chosen.GetPointer(0));
 }
 
-vtkSmartPointer<vtkAbstractArray> chosenRows(
-    vtkAbstractArray* column, const RowBitmap& rows, vtkIdType rowCount)
+/// Gives \p chosen, which has the type of \p column, its \p rowCount values of \p rows.
+void chooseRows(
+    vtkAbstractArray* column, const RowBitmap& rows, vtkIdType rowCount, vtkAbstractArray* chosen)
 {
     if (auto* reals = vtkDoubleArray::SafeDownCast(column)) {
-        return chosenRows(*reals, rows, rowCount);
+        chooseRows(*reals, rows, rowCount, *vtkDoubleArray::SafeDownCast(chosen));
+    } else if (auto* integers = vtkIntArray::SafeDownCast(column)) {
+        chooseRows(*integers, rows, rowCount, *vtkIntArray::SafeDownCast(chosen));
+    } else {
+        auto* texts = vtkStringArray::SafeDownCast(column);
+        Q_ASSERT_X(
+            texts != nullptr, "FilteredTableSource", "a column holds neither numbers nor texts");
+        chooseRows(*texts, rows, rowCount, *vtkStringArray::SafeDownCast(chosen));
     }
-    if (auto* integers = vtkIntArray::SafeDownCast(column)) {
-        return chosenRows(*integers, rows, rowCount);
+}
+
+/// Of all columns, some of them at once: most of the time goes into memory that has not been touched yet.
+void chooseRows(vtkTable& table, const RowBitmap& rows, vtkIdType rowCount, vtkTable& output)
+{
+    struct Choice
+    {
+        vtkAbstractArray* column;
+        vtkSmartPointer<vtkAbstractArray> chosen;
+    };
+
+    const vtkIdType columnCount = table.GetNumberOfColumns();
+    std::vector<Choice> choices;
+    for (vtkIdType i = 0; i < columnCount; ++i) {
+        vtkAbstractArray* const column = table.GetColumn(i);
+        choices.push_back({column, vtkSmartPointer<vtkAbstractArray>::Take(column->NewInstance())});
+        choices.back().chosen->SetName(column->GetName());
     }
-    auto* texts = vtkStringArray::SafeDownCast(column);
-    Q_ASSERT_X(texts != nullptr, "FilteredTableSource", "a column holds neither numbers nor texts");
-    return chosenRows(*texts, rows, rowCount);
+    const auto choose = [&](vtkIdType begin, vtkIdType end) {
+        for (vtkIdType i = begin; i < end; ++i) {
+            const Choice& choice = choices[static_cast<std::size_t>(i)];
+            chooseRows(choice.column, rows, rowCount, choice.chosen);
+        }
+    };
+    if (rowCount < rowsWorthThread) {
+        choose(0, columnCount);
+    } else {
+        vtkSMPTools::For(0, columnCount, 1, choose);
+    }
+    for (const Choice& choice : choices) {
+        output.AddColumn(choice.chosen);
+    }
 }
 
 } // namespace
@@ -66,12 +100,7 @@ int FilteredTableSource::RequestData(
         if (rowCount == content.rows.rowCount()) {
             output->ShallowCopy(&content.table);
         } else {
-            for (vtkIdType column = 0; column < content.table.GetNumberOfColumns(); ++column) {
-                output->AddColumn(chosenRows(
-                    content.table.GetColumn(column),
-                    content.rows,
-                    static_cast<vtkIdType>(rowCount)));
-            }
+            chooseRows(content.table, content.rows, static_cast<vtkIdType>(rowCount), *output);
         }
     }
     return 1;

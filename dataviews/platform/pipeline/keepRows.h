@@ -2,10 +2,12 @@
 
 #include <dataviews/platform/data/RowBitmap.h>
 
+#include <vtkSMPTools.h>
+
 #include <cstddef>
 #include <cstdint>
 
-/// Takes the rows for which `passes(row)` is false out of \p rows.
+/// Takes the rows for which `passes(row)` is false out of \p rows, many of them by several threads.
 ///
 /// For conditions that cost less than a branch: they are evaluated for every row of a word that has
 /// any row left, and the answers are put together without jumps.
@@ -22,11 +24,19 @@ void keepRows(RowBitmap& rows, Predicate passes)
     };
     std::uint64_t* words = rows.words().data();
     const std::size_t fullWords = rows.rowCount() / wordSize;
-    for (std::size_t word = 0; word < fullWords; ++word) {
-        if (words[word] != 0) {
-            words[word] &= bitsOf(word * wordSize, wordSize);
-        }
-    }
+    constexpr vtkIdType wordsWorthThread = 1024;
+    vtkSMPTools::For(
+        0,
+        static_cast<vtkIdType>(fullWords),
+        wordsWorthThread,
+        [&](vtkIdType first, vtkIdType last) {
+            const auto end = static_cast<std::size_t>(last);
+            for (auto word = static_cast<std::size_t>(first); word < end; ++word) {
+                if (words[word] != 0) {
+                    words[word] &= bitsOf(word * wordSize, wordSize);
+                }
+            }
+        });
     if (const std::size_t rest = rows.rowCount() % wordSize; rest != 0) {
         words[fullWords] &= bitsOf(fullWords * wordSize, rest);
     }

@@ -9,6 +9,7 @@
 #include <vtkContextView.h>
 #include <vtkGenericOpenGLRenderWindow.h>
 #include <vtkNew.h>
+#include <vtkRenderWindowInteractor.h>
 #include <vtkRenderer.h>
 
 #include <gtest/gtest.h>
@@ -113,12 +114,17 @@ TEST(ChartCanvasTest, PaintsAMarkedSceneOnceBeforeTheWindowAndNotWhileItIsHidden
     QCoreApplication::processEvents();
     EXPECT_EQ(frames, 1);
 
+    view->GetInteractor()->Render();
+    EXPECT_EQ(frames, 1);
+    QCoreApplication::processEvents();
+    EXPECT_EQ(frames, 2);
+
     canvas.hide();
     scene.SetDirty(true);
     QCoreApplication::processEvents();
-    EXPECT_EQ(frames, 1);
+    EXPECT_EQ(frames, 2);
     canvas.show();
     ASSERT_TRUE(QTest::qWaitForWindowExposed(&canvas));
     QCoreApplication::processEvents();
-    EXPECT_EQ(frames, 2);
+    EXPECT_EQ(frames, 3);
 }

@@ -7,6 +7,9 @@
 
 #include <gtest/gtest.h>
 
+#include <string>
+#include <vector>
+
 using namespace pipelineTest;
 
 namespace {
@@ -49,8 +52,8 @@ TEST_F(FilteredTableSourceTest, SharesTheColumnsWhileAllRowsPass)
 
 TEST_F(FilteredTableSourceTest, CopiesBlocksAndSingleRowsInOrder)
 {
-    constexpr std::size_t rowCount = 200;
-    m_project.setCaseCount(rowCount);
+    constexpr std::size_t fewRows = 200;
+    constexpr std::size_t manyRows = 50000; // are copied by several threads
 
     struct Case
     {
@@ -59,18 +62,25 @@ TEST_F(FilteredTableSourceTest, CopiesBlocksAndSingleRowsInOrder)
     };
 
     const Case removed[] = {{0, 1}, {0, 64}, {63, 65}, {64, 128}, {70, 71}, {150, 200}, {199, 200}};
-    for (const Case& c : removed) {
-        SCOPED_TRACE(testing::Message() << "without " << c.first << " to " << c.end);
-        m_rows = RowBitmap(rowCount, true);
-        m_rows.setRange(c.first, c.end, false);
+    for (const std::size_t rowCount : {fewRows, manyRows}) {
+        m_project.setCaseCount(rowCount);
+        addTexts(m_project, "text", std::vector<std::string>(rowCount, "a"));
+        for (const Case& c : removed) {
+            SCOPED_TRACE(testing::Message() << "without " << c.first << " to " << c.end);
+            m_rows = RowBitmap(rowCount, true);
+            m_rows.setRange(c.first, c.end, false);
 
-        const auto* ids = vtkIntArray::SafeDownCast(update().GetColumn(0));
+            vtkTable& output = update();
 
-        std::vector<std::size_t> rows;
-        for (vtkIdType row = 0; row < ids->GetNumberOfValues(); ++row) {
-            rows.push_back(static_cast<std::size_t>(ids->GetValue(row) - 1));
+            const auto* ids = vtkIntArray::SafeDownCast(output.GetColumn(0));
+            std::vector<std::size_t> rows;
+            for (vtkIdType row = 0; row < ids->GetNumberOfValues(); ++row) {
+                rows.push_back(static_cast<std::size_t>(ids->GetValue(row) - 1));
+            }
+            EXPECT_EQ(rows, rowsOf(m_rows));
+            const vtkAbstractArray& text = *output.GetColumnByName("text");
+            EXPECT_EQ(text.GetNumberOfTuples(), static_cast<vtkIdType>(rows.size()));
         }
-        EXPECT_EQ(rows, rowsOf(m_rows));
     }
 }
 
