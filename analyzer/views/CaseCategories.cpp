@@ -9,6 +9,7 @@
 #include <QtGlobal>
 
 #include <vtkIntArray.h>
+#include <vtkSMPTools.h>
 #include <vtkStringArray.h>
 #include <vtkTable.h>
 
@@ -25,6 +26,22 @@ std::string countText(std::size_t count)
     return count > Variable::maxDistinctValues
         ? "more than " + std::to_string(Variable::maxDistinctValues)
         : std::to_string(count);
+}
+
+/// Calls \p function with each row, with several ones at once.
+template <class Function>
+void forEachAtOnce(std::size_t rowCount, const Function& function)
+{
+    constexpr vtkIdType rowsWorthThread = 20000;
+    vtkSMPTools::For(
+        0,
+        static_cast<vtkIdType>(rowCount),
+        rowsWorthThread,
+        [&function](vtkIdType begin, vtkIdType end) {
+            for (vtkIdType row = begin; row < end; ++row) {
+                function(static_cast<std::size_t>(row));
+            }
+        });
 }
 
 } // namespace
@@ -60,10 +77,10 @@ CaseCategories::CaseCategories(const Variable& variable)
         for (std::size_t i = 0; i < values.size(); ++i) {
             categories.emplace(values[i].toString(), static_cast<std::uint8_t>(i));
         }
-        for (std::size_t row = 0; row < rowCount; ++row) {
+        forEachAtOnce(rowCount, [&](std::size_t row) {
             const auto found = categories.find(texts->GetValue(static_cast<vtkIdType>(row)));
             m_ofRow[row] = found == categories.end() ? none : found->second;
-        }
+        });
     } else {
         std::vector<double> numbers;
         numbers.reserve(values.size());
@@ -71,13 +88,13 @@ CaseCategories::CaseCategories(const Variable& variable)
             numbers.push_back(value.toReal());
         }
         withNumbers(&variable.column(), [&](const auto* column) {
-            for (std::size_t row = 0; row < rowCount; ++row) {
+            forEachAtOnce(rowCount, [&](std::size_t row) {
                 const auto number = static_cast<double>(column[row]);
                 if (!std::isnan(number)) {
                     m_ofRow[row] = static_cast<std::uint8_t>(
                         std::lower_bound(numbers.begin(), numbers.end(), number) - numbers.begin());
                 }
-            }
+            });
         });
     }
     m_hasMissing = std::find(m_ofRow.begin(), m_ofRow.end(), none) != m_ofRow.end();

@@ -18,6 +18,7 @@
 #include <vtkAbstractArray.h>
 #include <vtkLookupTable.h>
 #include <vtkNew.h>
+#include <vtkSMPTools.h>
 #include <vtkTable.h>
 
 #include <boost/make_shared.hpp>
@@ -58,11 +59,19 @@ vtkSmartPointer<vtkAbstractArray> valuesIn(
     result->SetNumberOfTuples(static_cast<vtkIdType>(rows.size()));
     withNumbers(column, [&](const auto* values) {
         using Value = std::decay_t<decltype(*values)>;
-        std::transform(
-            rows.begin(),
-            rows.end(),
-            static_cast<Value*>(result->GetVoidPointer(0)),
-            [values](vtkIdType row) { return values[row]; });
+        auto* const chosen = static_cast<Value*>(result->GetVoidPointer(0));
+        constexpr vtkIdType rowsWorthThread = 20000;
+        vtkSMPTools::For(
+            0,
+            static_cast<vtkIdType>(rows.size()),
+            rowsWorthThread,
+            [&](vtkIdType begin, vtkIdType end) {
+                std::transform(
+                    rows.data() + begin,
+                    rows.data() + end,
+                    chosen + begin,
+                    [values](vtkIdType row) { return values[row]; });
+            });
     });
     return result;
 }

@@ -132,58 +132,54 @@ std::size_t Variable::distinctValueCount() const
         return *m_distinctValues;
     }
     if (m_texts != nullptr) {
-        DistinctValues<std::string> distinct;
+        // The column keeps its texts where they are.
+        DistinctValues<std::string_view> distinct;
         forEachText([&distinct](const std::string& text) { return distinct.add(text); });
         m_distinctValues = distinct.count();
+        if (distinct.count() <= maxDistinctValues) {
+            m_fewValues = variantsOf(distinct.values());
+        }
     } else {
         DistinctValues<double> distinct;
         forEachNumber([&distinct](double number) { return distinct.add(number); });
         m_distinctValues = distinct.count();
+        if (distinct.count() <= maxDistinctValues) {
+            m_fewValues = variantsOf(distinct.values());
+        }
     }
     return *m_distinctValues;
 }
 
 std::vector<Variant> Variable::distinctValues() const
 {
-    const bool few = distinctValueCount() <= maxDistinctValues;
-    std::vector<Variant> result;
-    if (m_texts != nullptr) {
-        // The column keeps its texts where they are.
-        std::vector<std::string_view> texts;
-        if (few) {
-            DistinctValues<std::string_view> distinct;
-            forEachText([&distinct](const std::string& text) { return distinct.add(text); });
-            texts = distinct.values();
-        } else {
-            std::unordered_set<std::string_view> distinct;
-            forEachText([&distinct](const std::string& text) {
-                distinct.insert(text);
-                return true;
-            });
-            texts.assign(distinct.begin(), distinct.end());
-            std::sort(texts.begin(), texts.end());
-        }
-        result.reserve(texts.size());
-        for (const std::string_view text : texts) {
-            result.emplace_back(std::string(text));
-        }
-        return result;
+    if (distinctValueCount() <= maxDistinctValues) {
+        return m_fewValues;
     }
-    std::vector<double> numbers;
-    if (few) {
-        DistinctValues<double> distinct;
-        forEachNumber([&distinct](double number) { return distinct.add(number); });
-        numbers = distinct.values();
-    } else {
-        numbers.reserve(rowCount());
-        forEachNumber([&numbers](double number) {
-            numbers.push_back(number);
+    if (m_texts != nullptr) {
+        std::unordered_set<std::string_view> distinct;
+        forEachText([&distinct](const std::string& text) {
+            distinct.insert(text);
             return true;
         });
-        std::sort(numbers.begin(), numbers.end());
-        numbers.erase(std::unique(numbers.begin(), numbers.end()), numbers.end());
+        std::vector<std::string_view> texts(distinct.begin(), distinct.end());
+        std::sort(texts.begin(), texts.end());
+        return variantsOf(texts);
     }
+    std::vector<double> numbers;
+    numbers.reserve(rowCount());
+    forEachNumber([&numbers](double number) {
+        numbers.push_back(number);
+        return true;
+    });
+    std::sort(numbers.begin(), numbers.end());
+    numbers.erase(std::unique(numbers.begin(), numbers.end()), numbers.end());
+    return variantsOf(numbers);
+}
+
+std::vector<Variant> Variable::variantsOf(const std::vector<double>& numbers) const
+{
     const bool whole = isWhole();
+    std::vector<Variant> result;
     result.reserve(numbers.size());
     for (const double number : numbers) {
         if (whole) {
@@ -191,6 +187,16 @@ std::vector<Variant> Variable::distinctValues() const
         } else {
             result.emplace_back(number);
         }
+    }
+    return result;
+}
+
+std::vector<Variant> Variable::variantsOf(const std::vector<std::string_view>& texts)
+{
+    std::vector<Variant> result;
+    result.reserve(texts.size());
+    for (const std::string_view text : texts) {
+        result.emplace_back(std::string(text));
     }
     return result;
 }

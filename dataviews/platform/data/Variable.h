@@ -10,6 +10,7 @@
 #include <cstddef>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 class vtkDoubleArray;
@@ -79,8 +80,8 @@ public:
 
     static constexpr std::size_t maxDistinctValues = 50;
 
-    /// The different values in ascending order, as value() gives them, missing ones left out. Not kept: it may hold a
-    /// value for each case.
+    /// The different values in ascending order, as value() gives them, missing ones left out. Only kept while they
+    /// are few: there may be one for each case.
     [[nodiscard]] std::vector<Variant> distinctValues() const;
 
 private:
@@ -104,6 +105,11 @@ private:
     template <class Take>
     void forEachText(Take take) const;
 
+    /// As value() gives them.
+    [[nodiscard]] std::vector<Variant> variantsOf(const std::vector<double>& numbers) const;
+    [[nodiscard]] static std::vector<Variant> variantsOf(
+        const std::vector<std::string_view>& texts);
+
     vtkSmartPointer<vtkAbstractArray> m_column;
     vtkDoubleArray* m_reals;
     vtkStringArray* m_texts;
@@ -112,4 +118,6 @@ private:
     Nature m_nature;
     mutable std::optional<Statistics> m_statistics;
     mutable std::optional<std::size_t> m_distinctValues;
+    mutable std::vector<Variant>
+        m_fewValues; ///< all different ones, if there are no more than maxDistinctValues
 };
