@@ -27,7 +27,7 @@ namespace analyzer {
 
 namespace {
 
-constexpr std::size_t coarseCount = 200000; ///< points that are painted in passing
+constexpr std::size_t coarseCount = 100000; ///< points that are painted in passing
 constexpr std::size_t coarseMarkCount = 50000; ///< likewise of marks
 constexpr std::chrono::milliseconds slice(25); ///< of drawing on
 constexpr std::size_t channelCount = 4;
