@@ -97,6 +97,25 @@ vtkVector2f beside(const vtkVector2f& place, const vtkVector2f& size, const vtkV
     return {place[0] + size[0] * share(outward[0]), place[1] + size[1] * share(outward[1])};
 }
 
+/// \p middle of a text of \p size that is written along \p direction, moved as little as it takes for all of the text to
+/// be in \p area; where that is too small, the text has as much outside of it on both sides.
+vtkVector2f movedInto(
+    const vtkRectf& area,
+    const vtkVector2f& middle,
+    const vtkVector2f& size,
+    const vtkVector2f& direction)
+{
+    const auto moved = [](float place, float begin, float end, float extent) {
+        const float least = begin + extent / 2.0F;
+        const float most = end - extent / 2.0F;
+        return least < most ? std::clamp(place, least, most) : (begin + end) / 2.0F;
+    };
+    const vtkVector2f mirrored(direction[1], direction[0]);
+    return {
+        moved(middle[0], area.GetLeft(), area.GetRight(), reach(size, direction)),
+        moved(middle[1], area.GetBottom(), area.GetTop(), reach(size, mirrored))};
+}
+
 /// How many ticks apart numbers of \p size do not touch, if ticks are \p spacing pixels apart along \p direction.
 std::size_t strideFor(
     const vtkVector2f& size, const vtkVector2f& direction, float spacing, float room)
@@ -259,10 +278,15 @@ void Chart3DBox::paintAxis(
     painter.ApplyTextProp(m_titleText);
     const std::string title =
         shortened(painter, m_axes[axis].title(), std::max(edge.length, leastTitle * ratio));
-    const float height = sizeOf(painter, title)[1];
+    const vtkVector2f size = sizeOf(painter, title);
     const float distance =
-        fromEdge + reach(largest, edge.outward) + 2.0F * gap * ratio + height / 2.0F;
-    const vtkVector2f middle = at(0.0F) + edge.outward * distance;
+        fromEdge + reach(largest, edge.outward) + 2.0F * gap * ratio + size[1] / 2.0F;
+    const vtkVector2f onAxis = at(0.0F);
+    vtkVector2f middle = onAxis + edge.outward * distance;
+    // Of an axis that is not in sight, the title is not to be either.
+    if (projection.contains(onAxis[0], onAxis[1])) {
+        middle = movedInto(projection.area(), middle, size, edge.direction);
+    }
     m_titleText->SetOrientation(degrees);
     painter.ApplyTextProp(m_titleText);
     painter.DrawString(middle[0], middle[1], title);

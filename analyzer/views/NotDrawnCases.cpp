@@ -3,6 +3,7 @@
 
 #include <dataviews/platform/data/Project.h>
 
+#include <algorithm>
 #include <cmath>
 #include <cstdint>
 
@@ -10,14 +11,21 @@ namespace analyzer {
 
 namespace {
 
-/// The rows for which \p isOut is true.
+/// The rows for which \p isOut is true; in a form that needs no look at the memory of the result for each row.
 template <class IsOut>
 RowBitmap rowsWhere(std::size_t rowCount, IsOut isOut)
 {
+    constexpr std::size_t wordBits = 64;
     RowBitmap rows(rowCount);
     std::vector<std::uint64_t>& words = rows.words();
-    for (std::size_t row = 0; row < rowCount; ++row) {
-        words[row / 64] |= static_cast<std::uint64_t>(isOut(row)) << (row % 64);
+    for (std::size_t word = 0; word < words.size(); ++word) {
+        const std::size_t first = word * wordBits;
+        const std::size_t count = std::min(wordBits, rowCount - first);
+        std::uint64_t bits = 0;
+        for (std::size_t i = 0; i < count; ++i) {
+            bits |= static_cast<std::uint64_t>(isOut(first + i)) << i;
+        }
+        words[word] = bits;
     }
     return rows;
 }
@@ -35,10 +43,14 @@ void NotDrawnCases::addWithout(const WeakPtr<Variable>& variable, bool infinite)
         return;
     }
     withNumbers(&locked->column(), [&](const auto* values) {
-        add(rowsWhere(
-                m_rows.rowCount(),
-                [values](std::size_t row) { return std::isnan(static_cast<double>(values[row])); }),
-            "without " + locked->name());
+        if (locked->missingCount() > 0) {
+            add(rowsWhere(
+                    m_rows.rowCount(),
+                    [values](std::size_t row) {
+                        return std::isnan(static_cast<double>(values[row]));
+                    }),
+                "without " + locked->name());
+        }
         if (infinite) {
             add(rowsWhere(
                     m_rows.rowCount(),

@@ -31,6 +31,8 @@ constexpr std::size_t slabCount = std::size_t(1) << slabBits;
 constexpr std::size_t fineCount = std::size_t(1) << fineBits;
 constexpr std::uint32_t largestDepth = 65535;
 
+constexpr std::uint32_t entriesAtOnce = 512; ///< between two looks at the clock
+
 constexpr int tileBits = 3; ///< tiles have sides of 8 pixels
 constexpr int wordBits = 6;
 
@@ -107,7 +109,7 @@ public:
     std::array<unsigned char, 4> plain;
 
 private:
-    const Points& m_points;
+    Points m_points;
 };
 
 /// Rows that are more or less near, all or some.
@@ -118,7 +120,7 @@ public:
         : colors(cloud.colors)
         , plain(cloud.plain)
         , m_cloud(cloud)
-        , m_marks(marks)
+        , m_marked(marks != nullptr ? marks->rows : nullptr)
         , m_count(marks != nullptr ? marks->count : (cloud.count + cloud.stride - 1) / cloud.stride)
     {}
 
@@ -126,7 +128,7 @@ public:
 
     [[nodiscard]] std::size_t row(std::size_t i) const
     {
-        return m_marks != nullptr ? static_cast<std::size_t>(m_marks->rows[i]) : i * m_cloud.stride;
+        return m_marked != nullptr ? static_cast<std::size_t>(m_marked[i]) : i * m_cloud.stride;
     }
 
     [[nodiscard]] bool isRow(std::size_t row) const { return row < m_cloud.count; }
@@ -144,16 +146,16 @@ public:
     std::array<unsigned char, 4> plain;
 
 private:
-    const Cloud& m_cloud;
-    const Marks* m_marks;
+    Cloud m_cloud;
+    const vtkIdType* m_marked; ///< null if no rows were picked out
     std::size_t m_count;
 };
 
-/// Draws bands, one after the other, and keeps the memory for that. Lines count from the lowest of the band.
-class Scatter3DPicture::Worker
+/// Some lines of the picture, which count from the lowest of them. Keeps its memory.
+class Scatter3DPicture::Band
 {
 public:
-    /// All of the band is transparent then.
+    /// All of it is transparent then.
     void begin(int width, int lines)
     {
         m_width = width;
@@ -240,15 +242,11 @@ public:
         }
     }
 
-    /// Writes the band to \p pixels.
+    /// Writes all lines to \p pixels.
     void finish(std::uint32_t* pixels) const
     {
         std::transform(m_pixels.begin(), m_pixels.end(), pixels, &bytesOf);
     }
-
-    std::vector<Entry> seen; ///< of a slab
-    std::vector<Entry> ordered; ///< likewise
-    std::vector<std::uint32_t> ends; ///< of the depths within a slab
 
 private:
     [[nodiscard]] static std::size_t index(int line, int perLine)
@@ -302,10 +300,14 @@ private:
     std::vector<std::uint8_t> m_openInTile; ///< pixels that are not full
 };
 
-/// Points by bands, and in each by slabs of depth. What is put in comes out in the opposite order. Keeps its memory.
+/// Points by bands, and in each by slabs of depth. What is put in comes out in the opposite order, a chunk at a time.
+/// Keeps its memory.
 class Scatter3DPicture::Bins
 {
 public:
+    static constexpr std::uint32_t chunkSize = 64; ///< entries
+    static constexpr std::uint32_t none = 0xFFFFFFFF; ///< no chunk
+
     void clear(std::size_t count)
     {
         m_lastOf.assign(count, none);
@@ -327,21 +329,21 @@ public:
         chunk.entries[chunk.size++] = entry;
     }
 
+    /// The chunk of \p bin to begin with.
+    [[nodiscard]] std::uint32_t lastChunk(std::size_t bin) const { return m_lastOf[bin]; }
+
+    /// Returns the chunk to go on with.
     template <class Function>
-    void forEachBackwards(std::size_t bin, const Function& function) const
+    std::uint32_t forEachBackwards(std::uint32_t chunk, const Function& function) const
     {
-        for (std::uint32_t i = m_lastOf[bin]; i != none; i = m_chunks[i].before) {
-            const Chunk& chunk = m_chunks[i];
-            for (std::uint32_t entry = chunk.size; entry-- > 0;) {
-                function(chunk.entries[entry]);
-            }
+        const Chunk& entries = m_chunks[chunk];
+        for (std::uint32_t i = entries.size; i-- > 0;) {
+            function(entries.entries[i]);
         }
+        return entries.before;
     }
 
 private:
-    static constexpr std::uint32_t chunkSize = 64;
-    static constexpr std::uint32_t none = 0xFFFFFFFF;
-
     struct Chunk
     {
         std::array<Entry, chunkSize> entries;
@@ -354,6 +356,177 @@ private:
     std::vector<std::uint32_t> m_lastOf; ///< chunks of each bin
 };
 
+/// A range of the points, and where they are drawn.
+struct Scatter3DPicture::Part
+{
+    Bins bins;
+    std::size_t next = 0; ///< the first point that is not in the bins
+    std::size_t end = 0;
+};
+
+/// Draws bands, one after the other and each in small steps: what is seen of a slab of depth is collected, brought into
+/// order and drawn, from the slab in front to the one behind. Keeps its memory.
+class Scatter3DPicture::Worker
+{
+public:
+    [[nodiscard]] bool isIdle() const { return m_job == Job::None; }
+
+    void stop() { m_job = Job::None; }
+
+    /// It is idle.
+    void begin(const Scatter3DPicture& picture, int band)
+    {
+        m_bandIndex = band;
+        m_firstLine = band * picture.m_bandLines;
+        m_band.begin(
+            picture.m_width, std::min(picture.m_bandLines, picture.m_height - m_firstLine));
+        m_layer = 0;
+        beginSlab(picture, slabCount - 1);
+    }
+
+    /// It is not idle. Writes the band to \p lines of the picture when it is done.
+    void goOn(const Scatter3DPicture& picture, PixelPicture& lines)
+    {
+        switch (m_job) {
+        case Job::None:
+            return;
+        case Job::Collect:
+            collect(picture);
+            return;
+        case Job::Order:
+            order();
+            return;
+        case Job::Draw:
+            draw(picture);
+            return;
+        case Job::Finish:
+            m_band.finish(lines.row(m_firstLine));
+            m_job = Job::None;
+            return;
+        }
+    }
+
+private:
+    enum class Job
+    {
+        None,
+        Collect,
+        Order,
+        Draw,
+        Finish
+    };
+
+    void beginSlab(const Scatter3DPicture& picture, std::size_t slab)
+    {
+        m_slab = slab;
+        m_part = picture.m_parts.size();
+        m_chunk = Bins::none;
+        m_seen.clear();
+        m_ends.assign(fineCount, 0);
+        m_job = Job::Collect;
+    }
+
+    void endSlab(const Scatter3DPicture& picture)
+    {
+        if (m_slab > 0) {
+            beginSlab(picture, m_slab - 1);
+        } else if (++m_layer < picture.m_layers.size()) {
+            beginSlab(picture, slabCount - 1);
+        } else {
+            m_job = Job::Finish;
+        }
+    }
+
+    /// From the last one on, which is in front of others of the same depth.
+    void collect(const Scatter3DPicture& picture)
+    {
+        const Layer& layer = picture.m_layers[m_layer];
+        for (std::uint32_t i = 0; i < entriesAtOnce; i += Bins::chunkSize) {
+            while (m_chunk == Bins::none) {
+                if (m_part == 0) {
+                    endCollecting(picture);
+                    return;
+                }
+                const std::size_t bin = static_cast<std::size_t>(m_bandIndex) * slabCount + m_slab;
+                m_chunk = picture.m_parts[--m_part].bins.lastChunk(bin);
+            }
+            const Bins& bins = picture.m_parts[m_part].bins;
+            m_chunk = bins.forEachBackwards(m_chunk, [&](const Entry& entry) {
+                if (!m_band.isHidden(picture.columnOf(entry), picture.lineOf(entry), layer.reach)) {
+                    m_seen.push_back(entry);
+                    ++m_ends[entry.depth % fineCount];
+                }
+            });
+        }
+    }
+
+    void endCollecting(const Scatter3DPicture& picture)
+    {
+        if (m_seen.empty()) {
+            endSlab(picture);
+            return;
+        }
+        std::uint32_t end = 0;
+        for (auto depth = m_ends.rbegin(); depth != m_ends.rend(); ++depth) {
+            end += std::exchange(*depth, end);
+        }
+        m_ordered.resize(m_seen.size());
+        m_next = 0;
+        m_job = Job::Order;
+    }
+
+    void order()
+    {
+        for (const std::size_t end = endOfStep(); m_next < end; ++m_next) {
+            const Entry& entry = m_seen[m_next];
+            m_ordered[m_ends[entry.depth % fineCount]++] = entry;
+        }
+        if (m_next == m_seen.size()) {
+            m_next = 0;
+            m_job = Job::Draw;
+        }
+    }
+
+    void draw(const Scatter3DPicture& picture)
+    {
+        const Layer& layer = picture.m_layers[m_layer];
+        for (const std::size_t end = endOfStep(); m_next < end; ++m_next) {
+            const Entry& entry = m_ordered[m_next];
+            const int x = picture.columnOf(entry);
+            const int y = picture.lineOf(entry);
+            if (m_band.isHidden(x, y, layer.reach)) {
+                continue;
+            }
+            if (layer.sprite != nullptr) {
+                m_band.drawSprite(*layer.sprite, layer.reach, x, y);
+            } else {
+                m_band.drawDisc(picture.discOf(entry), x, y, picture.colorOf(entry));
+            }
+        }
+        if (m_next == m_seen.size()) {
+            endSlab(picture);
+        }
+    }
+
+    [[nodiscard]] std::size_t endOfStep() const
+    {
+        return std::min(m_next + entriesAtOnce, m_seen.size());
+    }
+
+    Band m_band;
+    Job m_job = Job::None;
+    int m_bandIndex = 0;
+    int m_firstLine = 0; ///< of the band in the picture
+    std::size_t m_layer = 0;
+    std::size_t m_slab = 0;
+    std::size_t m_part = 0; ///< that is being collected from
+    std::uint32_t m_chunk = Bins::none; ///< the next one of the part
+    std::vector<Entry> m_seen; ///< of the slab
+    std::vector<Entry> m_ordered; ///< likewise
+    std::vector<std::uint32_t> m_ends; ///< of the depths within the slab
+    std::size_t m_next = 0; ///< of what is being ordered or drawn
+};
+
 Scatter3DPicture::Scatter3DPicture() = default;
 
 Scatter3DPicture::~Scatter3DPicture() = default;
@@ -361,20 +534,21 @@ Scatter3DPicture::~Scatter3DPicture() = default;
 void Scatter3DPicture::draw(const Points& points, float diameter, int width, int height)
 {
     begin(diameter, width, height, 0);
-    drawLayers(ByOrder(points), {{m_discReach, nullptr}});
+    start(ByOrder(points), {{m_discReach, nullptr}});
+    finish();
 }
 
 void Scatter3DPicture::draw(const Cloud& cloud, float diameter, int width, int height)
 {
-    begin(diameter, width, height, 0);
-    drawLayers(ByNearness(cloud), {{m_discReach, nullptr}});
+    startDrawing(cloud, diameter, width, height);
+    finish();
 }
 
 void Scatter3DPicture::drawMarks(
     const Cloud& cloud, const Marks& marks, float diameter, int width, int height)
 {
-    begin(diameter, width, height, reachOf(marks.sprite));
-    drawLayers(ByNearness(cloud, &marks), layersOf(marks, marks.sprite));
+    startDrawingMarks(cloud, marks, diameter, width, height);
+    finish();
 }
 
 void Scatter3DPicture::startDrawing(const Cloud& cloud, float diameter, int width, int height)
@@ -386,39 +560,47 @@ void Scatter3DPicture::startDrawing(const Cloud& cloud, float diameter, int widt
 void Scatter3DPicture::startDrawingMarks(
     const Cloud& cloud, const Marks& marks, float diameter, int width, int height)
 {
-    begin(diameter, width, height, reachOf(marks.sprite));
+    const int reach = reachOf(marks.sprite);
+    begin(diameter, width, height, reach);
     m_sprite = marks.sprite;
-    start(ByNearness(cloud, &marks), layersOf(marks, m_sprite));
-}
-
-bool Scatter3DPicture::drawMore(std::chrono::steady_clock::time_point end)
-{
-    drawBands(m_layers, m_colors, m_plain, end);
-    return m_nextBand >= m_bandCount;
-}
-
-std::vector<Scatter3DPicture::Layer> Scatter3DPicture::layersOf(
-    const Marks& marks, const std::vector<std::uint32_t>& sprite) const
-{
     std::vector<Layer> layers;
     if (marks.withDiscs) {
         layers.push_back({m_discReach, nullptr});
     }
-    layers.push_back({reachOf(sprite), &sprite});
-    return layers;
+    layers.push_back({reach, &m_sprite});
+    start(ByNearness(cloud, &marks), std::move(layers));
 }
 
-template <class Source>
-void Scatter3DPicture::start(const Source& source, std::vector<Layer> layers)
+bool Scatter3DPicture::drawMore(Clock::time_point end)
 {
-    m_colors = source.colors;
-    m_plain = source.plain;
-    m_layers = std::move(layers);
-    if (m_width == 0) {
-        m_bandCount = 0;
-    } else {
-        sortEntries(source);
+    if (!sortMore(end)) {
+        return false;
     }
+    // Bands take differently long.
+    std::atomic<int> next = m_nextBand;
+    forEachAtOnce(m_workers.size(), [&](std::size_t i) {
+        Worker& worker = m_workers[i];
+        do {
+            if (worker.isIdle()) {
+                const int band = next++;
+                if (band >= m_bandCount) {
+                    return;
+                }
+                worker.begin(*this, band);
+            }
+            worker.goOn(*this, m_picture);
+        } while (Clock::now() < end);
+    });
+    m_nextBand = std::min(next.load(), m_bandCount);
+    return m_nextBand == m_bandCount
+        && std::all_of(m_workers.begin(), m_workers.end(), [](const Worker& worker) {
+               return worker.isIdle();
+           });
+}
+
+void Scatter3DPicture::finish()
+{
+    drawMore(Clock::time_point::max());
 }
 
 vtkImageData& Scatter3DPicture::image() const
@@ -507,50 +689,60 @@ void Scatter3DPicture::makeDiscs(float diameter)
 }
 
 template <class Source>
-void Scatter3DPicture::drawLayers(const Source& source, const std::vector<Layer>& layers)
+void Scatter3DPicture::start(const Source& source, std::vector<Layer> layers)
 {
-    if (m_width == 0 || m_height == 0 || source.count() == 0) {
-        return;
+    m_colors = source.colors;
+    m_plain = source.plain;
+    m_layers = std::move(layers);
+    if (m_colors == nullptr && m_plain[3] == 0) {
+        // Discs that nobody would see.
+        m_layers.erase(
+            std::remove_if(
+                m_layers.begin(),
+                m_layers.end(),
+                [](const Layer& layer) { return layer.sprite == nullptr; }),
+            m_layers.end());
     }
-    sortEntries(source);
-    drawBands(layers, source.colors, source.plain, {});
+    m_workers.resize(workerCount());
+    for (Worker& worker : m_workers) {
+        worker.stop();
+    }
+    const bool isEmpty = m_width == 0 || m_height == 0 || source.count() == 0 || m_layers.empty();
+    const std::size_t count = isEmpty ? 0 : source.count();
+    m_bandCount = isEmpty ? 0 : m_bandCount;
+
+    constexpr std::size_t pointsWorthThread = 20000;
+    const std::size_t parts = std::clamp<std::size_t>(count / pointsWorthThread, 1, workerCount());
+    m_parts.resize(parts);
+    for (std::size_t i = 0; i < parts; ++i) {
+        m_parts[i].bins.clear(static_cast<std::size_t>(m_bandCount) * slabCount);
+        m_parts[i].next = count * i / parts;
+        m_parts[i].end = count * (i + 1) / parts;
+    }
+    m_sort = [this, source](std::size_t first, std::size_t last, Bins& bins) {
+        sortEntries(source, first, last, bins);
+    };
 }
 
-void Scatter3DPicture::drawBands(
-    const std::vector<Layer>& layers,
-    const unsigned char* colors,
-    const std::array<unsigned char, 4>& plain,
-    const std::optional<std::chrono::steady_clock::time_point>& end)
+bool Scatter3DPicture::sortMore(Clock::time_point end)
 {
-    m_workers.resize(workerCount());
-    // Bands take differently long.
-    std::atomic<int> next = m_nextBand;
-    std::atomic<bool> isTimeUp = false;
-    forEachAtOnce(m_workers.size(), [&](std::size_t worker) {
-        while (!isTimeUp) {
-            const int band = next++;
-            if (band >= m_bandCount) {
+    const auto isSorted = [](const Part& part) { return part.next == part.end; };
+    const auto areSorted = [&] { return std::all_of(m_parts.begin(), m_parts.end(), isSorted); };
+    if (areSorted()) {
+        return true;
+    }
+    forEachAtOnce(m_parts.size(), [&](std::size_t i) {
+        Part& part = m_parts[i];
+        while (!isSorted(part)) {
+            constexpr std::size_t pointsAtOnce = 4096;
+            const std::size_t next = std::min(part.next + pointsAtOnce, part.end);
+            m_sort(std::exchange(part.next, next), next, part.bins);
+            if (Clock::now() >= end) {
                 return;
             }
-            drawBand(m_workers[worker], band, layers, colors, plain);
-            isTimeUp = isTimeUp || (end && std::chrono::steady_clock::now() >= *end);
         }
     });
-    // Those that were begun have been drawn.
-    m_nextBand = std::min(next.load(), m_bandCount);
-}
-
-template <class Source>
-void Scatter3DPicture::sortEntries(const Source& source)
-{
-    constexpr std::size_t pointsWorthThread = 20000;
-    const std::size_t count = source.count();
-    const std::size_t parts = std::clamp<std::size_t>(count / pointsWorthThread, 1, workerCount());
-    m_bins.resize(parts);
-    forEachAtOnce(parts, [&](std::size_t part) {
-        m_bins[part].clear(static_cast<std::size_t>(m_bandCount) * slabCount);
-        sortEntries(source, count * part / parts, count * (part + 1) / parts, m_bins[part]);
-    });
+    return areSorted();
 }
 
 template <class Source>
@@ -596,68 +788,25 @@ void Scatter3DPicture::sortEntries(
     }
 }
 
-void Scatter3DPicture::drawBand(
-    Worker& worker,
-    int band,
-    const std::vector<Layer>& layers,
-    const unsigned char* colors,
-    const std::array<unsigned char, 4>& plain)
+int Scatter3DPicture::columnOf(const Entry& entry) const
 {
-    const int firstLine = band * m_bandLines;
-    const int offset = m_reach + 1;
-    worker.begin(m_width, std::min(m_bandLines, m_height - firstLine));
-    for (const Layer& layer : layers) {
-        if (layer.sprite == nullptr && colors == nullptr && plain[3] == 0) {
-            continue;
-        }
-        for (std::size_t slab = slabCount; slab-- > 0;) {
-            const std::size_t bin = static_cast<std::size_t>(band) * slabCount + slab;
-            // From the last one on, which is in front of others of the same depth.
-            worker.seen.clear();
-            worker.ends.assign(fineCount, 0);
-            for (auto bins = m_bins.rbegin(); bins != m_bins.rend(); ++bins) {
-                bins->forEachBackwards(bin, [&](const Entry& entry) {
-                    const int x = static_cast<int>(entry.column / placesInPixel) - offset;
-                    const int y = entry.line / placesInPixel - offset;
-                    if (!worker.isHidden(x, y, layer.reach)) {
-                        worker.seen.push_back(entry);
-                        ++worker.ends[entry.depth % fineCount];
-                    }
-                });
-            }
-            if (worker.seen.empty()) {
-                continue;
-            }
-            std::uint32_t end = 0;
-            for (auto depth = worker.ends.rbegin(); depth != worker.ends.rend(); ++depth) {
-                end += std::exchange(*depth, end);
-            }
-            worker.ordered.resize(worker.seen.size());
-            for (const Entry& entry : worker.seen) {
-                worker.ordered[worker.ends[entry.depth % fineCount]++] = entry;
-            }
-            for (const Entry& entry : worker.ordered) {
-                const int x = static_cast<int>(entry.column / placesInPixel) - offset;
-                const int y = entry.line / placesInPixel - offset;
-                if (worker.isHidden(x, y, layer.reach)) {
-                    continue;
-                }
-                if (layer.sprite != nullptr) {
-                    worker.drawSprite(*layer.sprite, layer.reach, x, y);
-                    continue;
-                }
-                const std::size_t disc =
-                    entry.line % placesInPixel * placesInPixel + entry.column % placesInPixel;
-                worker.drawDisc(
-                    m_discs[disc],
-                    x,
-                    y,
-                    colors == nullptr ? plain.data()
-                                      : colors + 4 * static_cast<std::size_t>(entry.row));
-            }
-        }
-    }
-    worker.finish(m_picture.row(firstLine));
+    return static_cast<int>(entry.column / placesInPixel) - m_reach - 1;
+}
+
+int Scatter3DPicture::lineOf(const Entry& entry) const
+{
+    return entry.line / placesInPixel - m_reach - 1;
+}
+
+const Scatter3DPicture::Disc& Scatter3DPicture::discOf(const Entry& entry) const
+{
+    return m_discs[entry.line % placesInPixel * placesInPixel + entry.column % placesInPixel];
+}
+
+const unsigned char* Scatter3DPicture::colorOf(const Entry& entry) const
+{
+    return m_colors == nullptr ? m_plain.data()
+                               : m_colors + 4 * static_cast<std::size_t>(entry.row);
 }
 
 } // namespace analyzer

@@ -9,7 +9,7 @@
 #include <chrono>
 #include <cstddef>
 #include <cstdint>
-#include <optional>
+#include <functional>
 #include <vector>
 
 class vtkImageData;
@@ -25,6 +25,8 @@ namespace analyzer {
 class Scatter3DPicture
 {
 public:
+    using Clock = std::chrono::steady_clock;
+
     /// Many points, each row one.
     struct Points
     {
@@ -69,16 +71,17 @@ public:
     /// The same for \p cloud.
     void draw(const Cloud& cloud, float diameter, int width, int height);
 
-    /// Begins to draw \p cloud, of which only the colors are asked for later: for drawMore(), until that says that it is
-    /// done or another drawing begins.
+    /// Begins to draw \p cloud: for drawMore(). What the cloud points to stays there, unchanged, until that says that it
+    /// is done or another drawing begins.
     void startDrawing(const Cloud& cloud, float diameter, int width, int height);
 
-    /// The same for what drawMarks() draws.
+    /// The same for what drawMarks() draws. The rows of the marks stay, too; their sprite need not.
     void startDrawingMarks(
         const Cloud& cloud, const Marks& marks, float diameter, int width, int height);
 
-    /// Goes on until \p end, or a little longer. Whether all is drawn.
-    bool drawMore(std::chrono::steady_clock::time_point end);
+    /// Goes on until \p end, or a little longer, by some hundred points at least. Whether all is drawn; the picture has
+    /// parts of it before.
+    bool drawMore(Clock::time_point end);
 
     /// Draws \p marks around points of \p cloud, and nothing else but the discs of these if the marks want them.
     void drawMarks(const Cloud& cloud, const Marks& marks, float diameter, int width, int height);
@@ -93,8 +96,10 @@ public:
     [[nodiscard]] vtkImageData& image() const;
 
 private:
-    class Worker;
+    class Band;
     class Bins;
+    class Worker;
+    struct Part;
     class ByOrder;
     class ByNearness;
 
@@ -130,39 +135,27 @@ private:
     };
 
     void begin(float diameter, int width, int height, int reach);
-    [[nodiscard]] std::vector<Layer> layersOf(
-        const Marks& marks, const std::vector<std::uint32_t>& sprite) const;
-
-    /// Keeps what drawMore() needs.
-    template <class Source>
-    void start(const Source& source, std::vector<Layer> layers);
     void makeDiscs(float diameter);
 
-    /// Draws \p layers, the first one in front, of all that \p source has.
+    /// To draw \p layers, the first one in front, of all that \p source has.
     template <class Source>
-    void drawLayers(const Source& source, const std::vector<Layer>& layers);
+    void start(const Source& source, std::vector<Layer> layers);
 
-    /// Fills the bins.
-    template <class Source>
-    void sortEntries(const Source& source);
+    /// All at once.
+    void finish();
+
+    /// Fills the bins. Whether they have everything.
+    bool sortMore(Clock::time_point end);
 
     /// Puts the points from \p begin up to \p end into \p bins, as often as there are bands that they reach into.
     template <class Source>
     void sortEntries(const Source& source, std::size_t begin, std::size_t end, Bins& bins) const;
 
-    /// Draws bands from the first one that is not drawn, until \p end if there is one.
-    void drawBands(
-        const std::vector<Layer>& layers,
-        const unsigned char* colors,
-        const std::array<unsigned char, 4>& plain,
-        const std::optional<std::chrono::steady_clock::time_point>& end);
-
-    void drawBand(
-        Worker& worker,
-        int band,
-        const std::vector<Layer>& layers,
-        const unsigned char* colors,
-        const std::array<unsigned char, 4>& plain);
+    /// Pixels of the picture, and lines of the band that the entry is in.
+    [[nodiscard]] int columnOf(const Entry& entry) const;
+    [[nodiscard]] int lineOf(const Entry& entry) const;
+    [[nodiscard]] const Disc& discOf(const Entry& entry) const;
+    [[nodiscard]] const unsigned char* colorOf(const Entry& entry) const;
 
     int m_width = 0;
     int m_height = 0;
@@ -172,12 +165,13 @@ private:
     int m_reach = 0; ///< the largest one of any layer
     int m_bandLines = 1;
     int m_bandCount = 0;
-    int m_nextBand = 0; ///< the first one that is not drawn
-    const unsigned char* m_colors = nullptr; ///< of the cloud that is drawn bit by bit
-    std::array<unsigned char, 4> m_plain = {}; ///< likewise
-    std::vector<Layer> m_layers; ///< likewise
+    int m_nextBand = 0; ///< the first one that is not begun
+    const unsigned char* m_colors = nullptr; ///< of what is drawn; see Points
+    std::array<unsigned char, 4> m_plain = {};
+    std::vector<Layer> m_layers;
     std::vector<std::uint32_t> m_sprite; ///< of a layer
-    std::vector<Bins> m_bins; ///< a part of the points in each
+    std::function<void(std::size_t begin, std::size_t end, Bins& bins)> m_sort;
+    std::vector<Part> m_parts;
     std::vector<Worker> m_workers;
     PixelPicture m_picture;
     std::uint64_t m_version = 0;

@@ -27,7 +27,7 @@ namespace analyzer {
 
 namespace {
 
-constexpr std::size_t coarseCount = 200000; ///< points that are painted in passing
+constexpr std::size_t coarseCount = 100000; ///< points that are painted in passing
 constexpr std::size_t coarseMarkCount = 50000; ///< likewise of marks
 constexpr std::chrono::milliseconds slice(25); ///< of drawing on
 constexpr std::size_t channelCount = 4;
@@ -93,12 +93,11 @@ bool Scatter3DPlot::Paint(vtkContext2D* painter)
     if (device != nullptr && Selection != nullptr && Selection->GetNumberOfValues() > manyMarks) {
         drawMarks(!m_isPrompt);
         // Nobody would see the points behind filled marks of their own.
-        const bool areHidden =
-            ring()->coversPoints() && m_marksDrawn->stride == 1 && areAllMarked();
+        const bool areHidden = ring()->coversPoints() && m_marks.isWhole() && areAllMarked();
         isPainted = areHidden || paintUnmarked(painter);
-        paintPicture(*device, *m_marks, m_marksShown);
+        m_marks.paint(*device, m_projection.area());
     } else {
-        m_marksRefining.reset();
+        m_marks.stopRefining();
         const vtkSmartPointer<vtkIdTypeArray> all = Selection;
         const vtkSmartPointer<vtkIdTypeArray> visible = visibleSelection();
         Selection = visible;
@@ -130,10 +129,10 @@ bool Scatter3DPlot::paintUnmarked(vtkContext2D* painter)
         return true;
     }
     if (device != nullptr) {
-        paintPicture(*device, *m_picture, m_shown);
+        m_cloud.paint(*device, m_projection.area());
     } else {
         const vtkRectf& area = m_projection.area();
-        painter->DrawImage(area.GetX(), area.GetY(), &m_picture->image());
+        painter->DrawImage(area.GetX(), area.GetY(), &m_cloud.picture().image());
     }
     return true;
 }
@@ -219,65 +218,56 @@ Scatter3DPicture::Cloud Scatter3DPlot::cloud(const Drawn& drawn) const
 
 void Scatter3DPlot::drawPicture(bool isWhole)
 {
-    Drawn drawn = wanted();
-    const bool isDrawn = m_drawn == drawn;
-    const bool isPut = !isDrawn && !isWhole && drawn.stride != coarseStride();
-    if (!isPut) {
-        m_refining.reset();
-    } else if (!(m_refining == drawn)) {
-        m_refining = drawn;
-        m_isRefiningStarted = false;
+    m_cloud.update(
+        wanted(), coarseStride(), isWhole, [this](Scatter3DPicture& picture, const Drawn& drawn) {
+            picture.draw(cloud(drawn), drawn.size, drawn.pixels[0], drawn.pixels[1]);
+        });
+}
+
+void Scatter3DPlot::drawMarks(bool isWhole)
+{
+    Drawn all = wanted();
+    all.stride = 1; // While the mouse is dragged, too.
+    // The values and not the time of their change, for plots write into the array without telling.
+    const vtkIdType* const rows = Selection->GetPointer(0);
+    const auto count = static_cast<std::size_t>(Selection->GetNumberOfValues());
+    SelectionRing& mark = *ring();
+    const bool isSame = m_marked.size() == count
+        && std::equal(m_marked.begin(), m_marked.end(), rows) && m_marksColors == mark.colors();
+    if (!isSame) {
+        m_marks.forget();
+        m_marked.assign(rows, rows + count);
+        m_marksColors = mark.colors();
     }
-    if (isPut) {
-        drawn.stride = coarseStride();
-    }
-    if (m_drawn == drawn) {
-        return;
-    }
-    m_drawn = drawn;
-    m_picture->draw(cloud(drawn), drawn.size, drawn.pixels[0], drawn.pixels[1]);
+    m_marks.update(
+        all,
+        (count + coarseMarkCount - 1) / coarseMarkCount,
+        isWhole,
+        [&](Scatter3DPicture& picture, const Drawn& drawn) {
+            m_fewMarked.clear();
+            for (std::size_t i = 0; i < count; i += drawn.stride) {
+                m_fewMarked.push_back(m_marked[i]);
+            }
+            picture.drawMarks(
+                cloud(drawn),
+                {m_fewMarked.data(),
+                 m_fewMarked.size(),
+                 mark.raster(drawn.size).sprite,
+                 !mark.coversPoints()},
+                drawn.size,
+                drawn.pixels[0],
+                drawn.pixels[1]);
+        });
 }
 
 bool Scatter3DPlot::refine()
 {
-    return m_refining ? refinePoints() : m_marksRefining && refineMarks();
-}
-
-bool Scatter3DPlot::refinePoints()
-{
-    if (!(*m_refining == wanted())) {
-        m_refining.reset(); // to be painted anew, which will ask for it again
-        return true;
-    }
-    if (!m_isRefiningStarted) {
-        m_isRefiningStarted = true;
-        m_refiningColors = Colors;
-        m_finer->startDrawing(
-            cloud(*m_refining), m_refining->size, m_refining->pixels[0], m_refining->pixels[1]);
-        return false;
-    }
-    if (!m_finer->drawMore(std::chrono::steady_clock::now() + slice)) {
-        return false;
-    }
-    std::swap(m_picture, m_finer);
-    m_shown.version = 0;
-    m_drawn = std::exchange(m_refining, std::nullopt);
-    return true;
-}
-
-bool Scatter3DPlot::refineMarks()
-{
-    Drawn drawn = wanted();
-    drawn.stride = 1;
-    if (!(*m_marksRefining == drawn)) {
-        m_marksRefining.reset();
-        return true;
-    }
-    if (!m_isMarksRefiningStarted) {
-        m_isMarksRefiningStarted = true;
-        m_refiningColors = Colors;
+    const auto startCloud = [this](Scatter3DPicture& picture, const Drawn& drawn) {
+        picture.startDrawing(cloud(drawn), drawn.size, drawn.pixels[0], drawn.pixels[1]);
+    };
+    const auto startMarks = [this](Scatter3DPicture& picture, const Drawn& drawn) {
         SelectionRing& mark = *ring();
-        m_finerMarks->startDrawingMarks(
+        picture.startDrawingMarks(
             cloud(drawn),
             {m_marked.data(),
              m_marked.size(),
@@ -286,56 +276,13 @@ bool Scatter3DPlot::refineMarks()
             drawn.size,
             drawn.pixels[0],
             drawn.pixels[1]);
-        return false;
+    };
+    Drawn all = wanted();
+    if (m_cloud.isUnrefined()) {
+        return m_cloud.refine(all, Colors, startCloud);
     }
-    if (!m_finerMarks->drawMore(std::chrono::steady_clock::now() + slice)) {
-        return false;
-    }
-    std::swap(m_marks, m_finerMarks);
-    m_marksShown.version = 0;
-    m_marksDrawn = std::exchange(m_marksRefining, std::nullopt);
-    return true;
-}
-
-void Scatter3DPlot::drawMarks(bool isWhole)
-{
-    Drawn drawn = wanted();
-    drawn.stride = 1; // While the mouse is dragged, too.
-    // The values and not the time of their change, for plots write into the array without telling.
-    const vtkIdType* const rows = Selection->GetPointer(0);
-    const auto count = static_cast<std::size_t>(Selection->GetNumberOfValues());
-    SelectionRing& mark = *ring();
-    const bool isSame = m_marked.size() == count
-        && std::equal(m_marked.begin(), m_marked.end(), rows) && m_marksColors == mark.colors();
-    const bool isPut = !isWhole && count > coarseMarkCount && !(isSame && m_marksDrawn == drawn);
-    if (!isPut) {
-        m_marksRefining.reset();
-    } else if (!isSame || !(m_marksRefining == drawn)) {
-        m_marksRefining = drawn;
-        m_isMarksRefiningStarted = false;
-    }
-    if (isPut) {
-        drawn.stride = (count + coarseMarkCount - 1) / coarseMarkCount;
-    }
-    if (isSame && m_marksDrawn == drawn) {
-        return;
-    }
-    m_marked.assign(rows, rows + count);
-    m_fewMarked.clear();
-    for (std::size_t i = 0; i < count; i += drawn.stride) {
-        m_fewMarked.push_back(m_marked[i]);
-    }
-    m_marksDrawn = drawn;
-    m_marksColors = mark.colors();
-    m_marks->drawMarks(
-        cloud(drawn),
-        {m_fewMarked.data(),
-         m_fewMarked.size(),
-         mark.raster(drawn.size).sprite,
-         !mark.coversPoints()},
-        drawn.size,
-        drawn.pixels[0],
-        drawn.pixels[1]);
+    all.stride = 1;
+    return m_marks.isUnrefined() && m_marks.refine(all, Colors, startMarks);
 }
 
 bool Scatter3DPlot::areAllMarked() const
@@ -352,26 +299,78 @@ bool Scatter3DPlot::areAllMarked() const
     return i == m_marked.size();
 }
 
-void Scatter3DPlot::paintPicture(
-    vtkOpenGLContextDevice2D& device, const Scatter3DPicture& picture, Shown& shown) const
-{
-    if (picture.pixels().width() == 0 || picture.pixels().height() == 0) {
-        return;
-    }
-    vtkOpenGLRenderWindow& window = *device.GetRenderWindow();
-    if (shown.version != picture.version() || !shown.texture.isIn(window)) {
-        shown.texture.update(window, picture.pixels());
-        shown.version = picture.version();
-    }
-    const vtkRectf& area = m_projection.area();
-    shown.texture.draw(
-        static_cast<int>(std::lround(area.GetX())), static_cast<int>(std::lround(area.GetY())));
-}
-
 bool Scatter3DPlot::Drawn::operator==(const Drawn& other) const
 {
     return points == other.points && stride == other.stride && colors == other.colors
         && plain == other.plain && size == other.size && pixels == other.pixels;
+}
+
+void Scatter3DPlot::Layer::forget()
+{
+    m_drawn.reset();
+    stopRefining();
+}
+
+void Scatter3DPlot::Layer::stopRefining()
+{
+    m_refining.reset();
+    m_isRefiningStarted = false;
+    m_colors = nullptr;
+}
+
+template <class Draw>
+void Scatter3DPlot::Layer::update(
+    const Drawn& wanted, std::size_t coarseStride, bool isWhole, const Draw& draw)
+{
+    const bool isRefined = !isWhole && !(m_drawn == wanted) && wanted.stride != coarseStride;
+    if (!isRefined || !(m_refining == wanted)) {
+        stopRefining();
+    }
+    Drawn now = wanted;
+    if (isRefined) {
+        m_refining = wanted;
+        now.stride = coarseStride;
+    }
+    if (!(m_drawn == now)) {
+        m_drawn = now;
+        draw(*m_picture, now);
+    }
+}
+
+template <class Start>
+bool Scatter3DPlot::Layer::refine(
+    const Drawn& wanted, vtkUnsignedCharArray* colors, const Start& start)
+{
+    if (!(*m_refining == wanted)) {
+        stopRefining(); // to be painted anew, which will ask for it again
+        return true;
+    }
+    if (!std::exchange(m_isRefiningStarted, true)) {
+        m_colors = colors;
+        start(*m_finer, wanted);
+    }
+    if (!m_finer->drawMore(Scatter3DPicture::Clock::now() + slice)) {
+        return false;
+    }
+    std::swap(m_picture, m_finer);
+    m_textureVersion = 0;
+    m_drawn = wanted;
+    stopRefining();
+    return true;
+}
+
+void Scatter3DPlot::Layer::paint(vtkOpenGLContextDevice2D& device, const vtkRectf& area)
+{
+    if (m_picture->pixels().width() == 0 || m_picture->pixels().height() == 0) {
+        return;
+    }
+    vtkOpenGLRenderWindow& window = *device.GetRenderWindow();
+    if (m_textureVersion != m_picture->version() || !m_texture.isIn(window)) {
+        m_texture.update(window, m_picture->pixels());
+        m_textureVersion = m_picture->version();
+    }
+    m_texture.draw(
+        static_cast<int>(std::lround(area.GetX())), static_cast<int>(std::lround(area.GetY())));
 }
 
 std::size_t Scatter3DPlot::coarseStride() const

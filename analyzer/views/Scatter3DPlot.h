@@ -55,7 +55,7 @@ public:
     /// Whether points were left out of what was painted last that are to be there.
     [[nodiscard]] bool isUnrefined() const
     {
-        return m_refining.has_value() || m_marksRefining.has_value();
+        return m_cloud.isUnrefined() || m_marks.isUnrefined();
     }
 
     /// Draws on what was left out, for a few hundredths of a second. Whether all points or all marks are there, and are
@@ -70,7 +70,7 @@ public:
     [[nodiscard]] const Scatter3DPoints& points() const { return m_points; }
 
     /// The points as last painted, without the marks of selected ones.
-    [[nodiscard]] const Scatter3DPicture& picture() const { return *m_picture; }
+    [[nodiscard]] const Scatter3DPicture& picture() const { return m_cloud.picture(); }
 
     void Update() override;
     bool Paint(vtkContext2D* painter) override;
@@ -108,23 +108,50 @@ private:
     [[nodiscard]] Drawn wanted() const;
     [[nodiscard]] Scatter3DPicture::Cloud cloud(const Drawn& drawn) const;
 
-    /// A picture in the memory of OpenGL.
-    struct Shown
+    /// A picture that has some of its points at first, and all of them when they have been drawn in between.
+    class Layer
     {
-        PictureTexture texture;
-        std::uint64_t version = 0; ///< of the picture; 0 for none
+    public:
+        [[nodiscard]] const Scatter3DPicture& picture() const { return *m_picture; }
+
+        [[nodiscard]] bool isUnrefined() const { return m_refining.has_value(); }
+
+        /// Whether the picture has all points of something.
+        [[nodiscard]] bool isWhole() const { return m_drawn && m_drawn->stride == 1; }
+
+        /// The next picture is drawn anew.
+        void forget();
+        void stopRefining();
+
+        /// The picture becomes \p wanted by what \p draw does with it and with what it is given; if not \p isWhole, at
+        /// first with one of \p coarseStride points.
+        template <class Draw>
+        void update(const Drawn& wanted, std::size_t coarseStride, bool isWhole, const Draw& draw);
+
+        /// Draws on for a few hundredths of a second what \p start begins, from \p colors. Whether the picture has all
+        /// points, or others than \p wanted would be drawn; it is unrefined.
+        template <class Start>
+        [[nodiscard]] bool refine(
+            const Drawn& wanted, vtkUnsignedCharArray* colors, const Start& start);
+
+        /// Over \p area.
+        void paint(vtkOpenGLContextDevice2D& device, const vtkRectf& area);
+
+    private:
+        std::unique_ptr<Scatter3DPicture> m_picture = std::make_unique<Scatter3DPicture>();
+        std::optional<Drawn> m_drawn;
+        std::unique_ptr<Scatter3DPicture> m_finer = std::make_unique<Scatter3DPicture>();
+        std::optional<Drawn> m_refining; ///< what is to be drawn with all points
+        bool m_isRefiningStarted = false;
+        vtkSmartPointer<vtkUnsignedCharArray> m_colors; ///< kept as long as they are drawn from
+        PictureTexture m_texture;
+        std::uint64_t m_textureVersion = 0; ///< of the picture; 0 for none
     };
 
     /// With all points at once if \p isWhole.
     void drawPicture(bool isWhole);
     void drawMarks(bool isWhole);
-    [[nodiscard]] bool refinePoints();
-    [[nodiscard]] bool refineMarks();
     [[nodiscard]] bool areAllMarked() const;
-
-    /// Over the area.
-    void paintPicture(
-        vtkOpenGLContextDevice2D& device, const Scatter3DPicture& picture, Shown& shown) const;
     [[nodiscard]] std::size_t coarseStride() const;
     [[nodiscard]] vtkSmartPointer<vtkIdTypeArray> visibleSelection() const;
 
@@ -133,24 +160,12 @@ private:
     Chart3DProjection m_projection;
     bool m_isCoarse = false;
     vtkMTimeType m_colorsFrom = 0; ///< when what the colors are made from had changed last
-    std::unique_ptr<Scatter3DPicture> m_picture = std::make_unique<Scatter3DPicture>();
-    std::optional<Drawn> m_drawn;
     bool m_isPrompt = false;
-    std::unique_ptr<Scatter3DPicture> m_finer = std::make_unique<Scatter3DPicture>();
-    std::optional<Drawn> m_refining; ///< what is to be drawn with all points
-    bool m_isRefiningStarted = false;
-    vtkSmartPointer<vtkUnsignedCharArray> m_refiningColors; ///< kept as long as they are drawn from
-    Shown m_shown;
-    std::unique_ptr<Scatter3DPicture> m_marks =
-        std::make_unique<Scatter3DPicture>(); ///< if they are many
-    std::optional<Drawn> m_marksDrawn;
-    std::unique_ptr<Scatter3DPicture> m_finerMarks = std::make_unique<Scatter3DPicture>();
-    std::optional<Drawn> m_marksRefining; ///< likewise of the marks
-    bool m_isMarksRefiningStarted = false;
+    Layer m_cloud;
+    Layer m_marks; ///< if they are many
+    std::vector<vtkIdType> m_marked; ///< the rows with a mark, as drawn
     std::vector<vtkIdType> m_fewMarked; ///< those that are painted at once
     SelectionRing::Colors m_marksColors; ///< as drawn
-    std::vector<vtkIdType> m_marked; ///< the rows with a mark, as drawn
-    Shown m_marksShown;
     const void* m_shownPlaces = nullptr; ///< those that the base's points are made of
     std::uint64_t m_shownVersion = 0;
 };

@@ -241,7 +241,6 @@ boost::shared_ptr<corvane::PropertyAbstract<DataViewInterface::MouseMode>> Scatt
 void ScatterPlot3DView::fitData()
 {
     m_camera->setValue(Chart3DCamera());
-    render();
 }
 
 void ScatterPlot3DView::resetXAxis()
@@ -250,7 +249,6 @@ void ScatterPlot3DView::resetXAxis()
     camera.azimuth = Chart3DCamera().azimuth;
     camera.panX = 0.0;
     m_camera->setValue(camera);
-    render();
 }
 
 void ScatterPlot3DView::resetYAxis()
@@ -259,7 +257,6 @@ void ScatterPlot3DView::resetYAxis()
     camera.elevation = Chart3DCamera().elevation;
     camera.panY = 0.0;
     m_camera->setValue(camera);
-    render();
 }
 
 std::vector<LeftOutCases> ScatterPlot3DView::leftOut() const

@@ -1,1 +1,8 @@
-list(APPEND ANALYZER_VIEWS_TEST_SOURCES Chart3DAxisTest.cpp Scatter3DPictureTest.cpp ScatterPlot3DViewTest.cpp)
+list(
+    APPEND
+    ANALYZER_VIEWS_TEST_SOURCES
+    Chart3DAxisTest.cpp
+    Chart3DBoxTest.cpp
+    Scatter3DPictureTest.cpp
+    ScatterPlot3DViewTest.cpp
+)

@@ -11,6 +11,7 @@
 #include <limits>
 #include <numeric>
 #include <random>
+#include <string>
 #include <vector>
 
 namespace analyzer {
@@ -165,60 +166,102 @@ TEST(Scatter3DPictureTest, FindsTheOrderOfManyPointsByTheirNearness)
 
 TEST(Scatter3DPictureTest, IsTheSameWhenDrawnBitByBit)
 {
-    constexpr int count = 2000;
     constexpr int tall = 400; // several bands
+    constexpr int few = 2000;
+    constexpr int many = 50000; // for some threads
     std::mt19937 random(13);
     std::uniform_real_distribution<float> share(0.0F, 1.0F);
-    std::vector<float> places;
-    std::vector<float> nearness;
-    std::vector<unsigned char> colors;
-    for (int i = 0; i < count; ++i) {
-        places.push_back(share(random) * width);
-        places.push_back(share(random) * tall);
-        nearness.push_back(share(random));
-        for (int j = 0; j < 4; ++j) {
-            colors.push_back(static_cast<unsigned char>(255.0F * share(random)));
-        }
-    }
-    const Scatter3DPicture::Cloud cloud{
-        places.data(), nearness.data(), count, colors.data(), {10, 120, 250, 204}};
-    std::vector<vtkIdType> marked(count / 3);
-    std::iota(marked.begin(), marked.end(), vtkIdType(5));
-    std::vector<std::uint32_t> sprite(11 * 11, 0x80402010U);
+    std::uniform_int_distribution<int> steps(0, 30);
+
+    const struct
+    {
+        const char* name;
+        int count;
+        float left, bottom; ///< of where the points are
+        float across, up;
+        bool isFlat; ///< all are equally near
+    } clouds[] = {
+        {"everywhere", few, 0.0F, 0.0F, width, tall, false},
+        {"nothing", 0, 0.0F, 0.0F, width, tall, false},
+        {"many everywhere", many, -5.0F, -5.0F, width + 10.0F, tall + 10.0F, false},
+        {"in one band", many, 10.0F, 70.0F, 15.0F, 10.0F, false},
+        {"in one slab of one band", many, 0.0F, 70.0F, width, 10.0F, true},
+        {"at one place", few, 20.0F, 200.0F, 0.0F, 0.0F, true}};
+
     Scatter3DPicture picture;
-    for (const bool areMarks : {false, true}) {
-        SCOPED_TRACE(areMarks);
-        const std::vector<float> placesBefore = places;
-        const std::vector<std::uint32_t> spriteBefore = sprite;
-        const Scatter3DPicture::Marks marks{marked.data(), marked.size(), sprite, true};
-        Scatter3DPicture whole;
-        if (areMarks) {
-            whole.drawMarks(cloud, marks, 7, width, tall);
-            picture.startDrawingMarks(cloud, marks, 7, width, tall);
-        } else {
-            whole.draw(cloud, 7, width, tall);
-            picture.startDrawing(cloud, 7, width, tall);
+    for (const auto& made : clouds) {
+        std::vector<float> places;
+        std::vector<float> nearness;
+        std::vector<unsigned char> colors;
+        for (int i = 0; i < made.count; ++i) {
+            places.push_back(made.left + share(random) * made.across);
+            places.push_back(made.bottom + share(random) * made.up);
+            nearness.push_back(made.isFlat ? 0.5F : share(random));
+            for (int j = 0; j < 4; ++j) {
+                colors.push_back(static_cast<unsigned char>(255.0F * share(random)));
+            }
         }
+        const Scatter3DPicture::Cloud cloud{
+            places.data(), nearness.data(), nearness.size(), colors.data(), {}};
+        std::vector<vtkIdType> marked(nearness.size() / 3);
+        std::iota(marked.begin(), marked.end(), vtkIdType(5));
+        const std::vector<std::uint32_t> sprite(11 * 11, 0x80402010U);
+        for (const bool areMarks : {false, true}) {
+            SCOPED_TRACE(std::string(made.name) + (areMarks ? ", marks" : ""));
+            const auto start = [&] {
+                if (areMarks) {
+                    // A sprite that is gone when it is drawn.
+                    const std::vector<std::uint32_t> ofNow = sprite;
+                    picture.startDrawingMarks(
+                        cloud, {marked.data(), marked.size(), ofNow, true}, 7, width, tall);
+                } else {
+                    picture.startDrawing(cloud, 7, width, tall);
+                }
+            };
+            Scatter3DPicture whole;
+            if (areMarks) {
+                whole.drawMarks(
+                    cloud, {marked.data(), marked.size(), sprite, true}, 7, width, tall);
+            } else {
+                whole.draw(cloud, 7, width, tall);
+            }
 
-        // What these are later does not matter.
-        std::fill(places.begin(), places.end(), 0.0F);
-        std::fill(sprite.begin(), sprite.end(), 0U);
-        int steps = 1;
-        while (!picture.drawMore({})) {
-            ++steps;
-        }
+            start();
+            while (!picture.drawMore({})) {}
 
-        EXPECT_GT(steps, 1);
-        for (int line = 0; line < tall; ++line) {
-            const std::uint32_t* const pixels = picture.pixels().row(line);
-            ASSERT_TRUE(std::equal(pixels, pixels + width, whole.pixels().row(line))) << line;
+            EXPECT_EQ(picture.pixels(), whole.pixels());
+
+            // What is given up leaves nothing to the next one.
+            start();
+            for (int i = steps(random); i > 0; --i) {
+                picture.drawMore({});
+            }
         }
-        std::copy(placesBefore.begin(), placesBefore.end(), places.begin());
-        std::copy(spriteBefore.begin(), spriteBefore.end(), sprite.begin());
     }
 
-    picture.startDrawing(cloud, 7, 0, tall);
+    picture.startDrawing({nullptr, nullptr, 0, nullptr, {}}, 7, 0, tall);
     EXPECT_TRUE(picture.drawMore({}));
+}
+
+TEST(Scatter3DPictureTest, NoStepDrawsAllOfWhatLiesTogether)
+{
+    constexpr int count = 50000;
+    std::mt19937 random(17);
+    const std::vector<float> places = scattered(count, random);
+    const std::vector<float> nearness(count, 0.5F);
+    Scatter3DPicture picture;
+    picture.startDrawing(
+        {places.data(), nearness.data(), nearness.size(), nullptr, {10, 120, 250, 20}},
+        1,
+        width,
+        height);
+
+    int steps = 1;
+    while (!picture.drawMore({})) {
+        ++steps;
+    }
+
+    EXPECT_GT(steps, count / 500);
 }
 
 TEST(Scatter3DPictureTest, MarksOfNearPointsCoverThoseBehindAndDiscsCoverMarks)

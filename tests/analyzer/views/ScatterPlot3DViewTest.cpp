@@ -493,8 +493,13 @@ TEST_F(ScatterPlot3DViewTest, FitAndResetsBringTheCameraBack)
     EXPECT_EQ(m_view->camera()->value(), (Chart3DCamera{30.0, -20.0, 3.0, 0.0, 0.25}));
     m_view->resetYAxis();
     EXPECT_EQ(m_view->camera()->value(), (Chart3DCamera{30.0, 25.0, 3.0, 0.0, 0.0}));
+    m_view->render();
+    const QPoint near = place(4);
     m_view->fitData();
     EXPECT_EQ(m_view->camera()->value(), Chart3DCamera());
+    EXPECT_EQ(place(4), near) << "painted later, together with what else changes";
+    QCoreApplication::sendPostedEvents();
+    EXPECT_NE(place(4), near);
     UndoStack::history().undo();
     EXPECT_EQ(m_view->camera()->value().zoom, 3.0);
 }
