@@ -146,7 +146,7 @@ std::optional<std::string> anotherText(const SettingInterface& setting)
             number.value() == number.minimum() ? number.maximum() : number.minimum());
     }
     case SettingInterface::Kind::Real:
-        return std::string("0.25");
+        return std::string(setting.name() == "labels" ? "7" : "0.25");
     case SettingInterface::Kind::Steps: {
         const auto& steps = dynamic_cast<const analyzer::StepsSettingInterface&>(setting);
         if (steps.count() == 0) {
