@@ -59,7 +59,7 @@ TEST(LineEnvelopeTest, CoversWhatThePolylineReachesInEachColumn)
                 pixels.insert(pixels.end(), {x * axes[0].scale + 20.0, y * axes[1].scale + 30.0});
             }
 
-            envelope.cover(points.data(), count, axes, width);
+            envelope.cover({points.data(), count}, axes, width);
             const int bottom = envelope.draw(picture, height, {1.0F, {10, 20, 30, 255}});
 
             const std::vector<std::pair<double, double>> spans = plainEnvelope(pixels);
@@ -96,7 +96,7 @@ TEST(LineEnvelopeTest, FlatLinesAreAsHighAsTheyAreWideAndStrokesOverOneAnotherHi
     LineEnvelope envelope;
     PixelPicture picture;
 
-    envelope.cover(points.data(), points.size() / 2, {}, width);
+    envelope.cover({points.data(), points.size() / 2}, {}, width);
     const int bottom = envelope.draw(picture, height, {4.0F, {200, 100, 0, 128}});
 
     EXPECT_EQ(bottom, 8);
@@ -106,7 +106,7 @@ TEST(LineEnvelopeTest, FlatLinesAreAsHighAsTheyAreWideAndStrokesOverOneAnotherHi
     EXPECT_EQ(picture.row(4)[5], 0U);
     EXPECT_EQ(picture.row(20)[36], 0xFF0064C8U);
 
-    envelope.cover(points.data(), 0, {}, width);
+    envelope.cover({points.data(), 0}, {}, width);
     EXPECT_EQ(envelope.draw(picture, height, {4.0F, {200, 100, 0, 128}}), 0);
     EXPECT_EQ(picture.width(), 0);
 }
