@@ -113,7 +113,7 @@ TEST(LineEnvelopeTest, FlatLinesAreAsHighAsTheyAreWideAndStrokesOverOneAnotherHi
 
 TEST(LineEnvelopeTest, ManyVerticesAreTakenInPartsThatDoNotShow)
 {
-    // Nine times up and down in each column, which is more than a part of the vertices is long in none.
+    // Nine times up and down in each column.
     constexpr int count = 150000;
     constexpr double turnsInColumn = 9.3;
     constexpr double pi = 3.14159265358979;
@@ -154,6 +154,30 @@ TEST(LineEnvelopeTest, ManyVerticesAreTakenInPartsThatDoNotShow)
     }
     EXPECT_EQ(bottom, 18);
     EXPECT_EQ(picture.height(), 24);
+}
+
+TEST(LineEnvelopeTest, PartsOfTheVerticesAreJoined)
+{
+    // Wherever parts of so many vertices as a power of two begin, there is a gap that an edge bridges.
+    constexpr int powers = 18;
+    constexpr float gap = 2.0F;
+    std::vector<float> points;
+    for (int power = 0; power < powers; ++power) {
+        for (int i = power == 0 ? 0 : 1 << power; i < 2 << power; ++i) {
+            points.insert(points.end(), {gap * static_cast<float>(power) + 0.5F, 30.5F});
+        }
+    }
+    LineEnvelope envelope;
+    PixelPicture picture;
+    picture.reset(width, height, 0);
+
+    envelope.cover({points.data(), points.size() / 2}, {}, width);
+    envelope.drawInto(picture, {1.0F, {0, 0, 0, 255}});
+
+    for (int column = 0; column < static_cast<int>(gap) * (powers - 1); ++column) {
+        EXPECT_NE(picture.row(30)[column], 0U) << column;
+    }
+    EXPECT_EQ(picture.row(30)[width - 1], 0U);
 }
 
 TEST(LineEnvelopeTest, VerticesInSightAreThoseInThePictureAndTheirNeighbors)

@@ -178,12 +178,12 @@ TEST(RingedPlotLineTest, CrowdedLinesInThePictureOfTheirPointsLookAsUnderIt)
 
 TEST(RingedPlotLineTest, PicturesOfSeveralLinesLieOverOneAnotherInTheirOrder)
 {
-    // That of the last but one is painted at once, for its line is not in it.
-    const int counts[] = {crowd, crowd, fewVertices, crowd};
+    // The third one is painted at once, for the line of the next is not in its picture.
+    const int counts[] = {crowd, crowd, crowd, fewVertices, crowd};
     const auto prepare = [&](Picture& picture, bool isApart) {
         for (unsigned i = 0; i < std::size(counts); ++i) {
             auto& plot = picture.add<RingedPlotLine>(line(counts[i], 45.0 + 4.0 * i, i));
-            plot.SetColor(static_cast<unsigned char>(80 * i), 200, 60, i == 1 ? 255 : 120);
+            plot.SetColor(static_cast<unsigned char>(60 * i), 200, 60, i == 1 ? 255 : 120);
             plot.SetMarkerSize(3.0F + static_cast<float>(i));
             if (i == 1) {
                 plot.SetSelection(everyNth(70, counts[i]));
