@@ -474,7 +474,8 @@ void PointRaster::paintDiscs(
     PixelPicture& picture,
     const Points& points,
     const MarkerStencil& stencil,
-    const OverlapColors& colors)
+    const OverlapColors& colors,
+    const OverlapColors* veil)
 {
     placePoints(picture, points, stencil);
     prepareBands(picture, stencil.side());
@@ -488,13 +489,18 @@ void PointRaster::paintDiscs(
             const std::uint32_t* const overlap = band.counter.overlap();
             band.wide.resize(static_cast<std::size_t>(m_stride));
             std::uint32_t* const upper = band.wide.data();
-            for (int x = range.begin; x < range.end; ++x) {
-                upper[x] = colors[overlap[x]]; // none where there is no marker
+            for (const OverlapColors* layer : {&colors, veil}) {
+                if (layer == nullptr) {
+                    continue;
+                }
+                for (int x = range.begin; x < range.end; ++x) {
+                    upper[x] = (*layer)[overlap[x]]; // none where there is no marker
+                }
+                paintOver(
+                    picture.row(y) + range.begin,
+                    upper + range.begin,
+                    static_cast<std::size_t>(range.end - range.begin));
             }
-            paintOver(
-                picture.row(y) + range.begin,
-                upper + range.begin,
-                static_cast<std::size_t>(range.end - range.begin));
         }
     });
 }
