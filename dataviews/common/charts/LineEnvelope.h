@@ -11,7 +11,7 @@
 /// What a line of very many vertices covers of each column of pixels: a picture of it in one pass over the vertices.
 ///
 /// A line whose vertices ascend or descend by X covers everything between its lowest and its highest place in a column.
-/// Works with some threads, of whose number the picture does not depend. Keeps its memory for the next picture.
+/// Works with some threads; the picture does not depend on how many there are. Keeps its memory for the next picture.
 class DATAVIEWS_CHARTS_EXPORT LineEnvelope
 {
 public:

@@ -3,7 +3,7 @@
 class PointsPainter;
 class vtkContext2D;
 
-/// A plot that can be painted as one picture, together with plots of its kind right before and behind it in the chart.
+/// A plot that can be painted as one picture, together with plots of its kind right below and above it in the chart.
 class PicturePlotInterface
 {
 public:
@@ -13,6 +13,6 @@ public:
     /// the plot.
     [[nodiscard]] virtual bool paintsPictureOnly(vtkContext2D& painter) = 0;
 
-    /// The picture that the plot has left to the ones painted behind it, which it is no more then; null for none.
+    /// The picture that the plot left to be drawn with those of plots above it; null for none, and after this call.
     [[nodiscard]] virtual const PointsPainter* takeHeldPicture() = 0;
 };

@@ -229,7 +229,7 @@ private:
 
     vtkIdType m_rasterThreshold = defaultRasterThreshold;
     PointsPainter m_painter;
-    bool m_holdsPicture = false; ///< it is still to be drawn, with those of the plots behind
+    bool m_holdsPicture = false; ///< it is still to be drawn, with those of the plots above
     PointSearch m_search;
     OverlapColors::Deepening m_deepening = OverlapColors::Deepening::Darker;
 };
