@@ -16,22 +16,30 @@
 #include <cstdlib>
 #include <random>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include <tests/support/OffScreenChart.h>
 
 namespace {
 
-constexpr int width = 1120;
-constexpr int height = 720;
-constexpr std::int64_t seriesCount = 5;
-
 enum class Job
 {
     Pan,
     PanAllSelected,
-    SelectHalf
+    SelectHalf,
+    SelectFew
 };
+
+struct Frame
+{
+    int width;
+    int height;
+    std::int64_t seriesCount;
+};
+
+constexpr Frame smallFrame = {1120, 720, 5};
+constexpr Frame largeFrame = {1600, 1000, 8};
 
 /// A series of \p count values around a height of its own, by time.
 vtkSmartPointer<vtkTable> series(std::int64_t count, std::int64_t number)
@@ -66,19 +74,23 @@ template <class Plot>
 class LineChart
 {
 public:
-    explicit LineChart(std::int64_t count)
+    LineChart(const Frame& frame, std::int64_t count)
+        : m_chart(frame.width, frame.height)
     {
         m_chart.view().GetRenderWindow()->SetMultiSamples(0);
-        for (std::int64_t number = 0; number < seriesCount; ++number) {
+        for (std::int64_t number = 0; number < frame.seriesCount; ++number) {
             const vtkNew<Plot> plot;
-            plot->SetInputData(series(count / seriesCount, number), 0, 1);
+            plot->SetInputData(series(count / frame.seriesCount, number), 0, 1);
             plot->SetMarkerStyle(vtkPlotPoints::CIRCLE);
             plot->SetMarkerSize(5.0F);
             plot->SetWidth(2.0F);
-            plot->SetColor(static_cast<unsigned char>(50 * number), 90, 200, 204);
+            plot->SetColor(static_cast<unsigned char>(30 * number), 90, 200, 204);
             m_chart->AddPlot(plot);
             m_plots.emplace_back(plot);
         }
+        m_chart->GetAxis(vtkAxis::LEFT)->SetBehavior(vtkAxis::FIXED);
+        m_chart->GetAxis(vtkAxis::LEFT)
+            ->SetRange(-5.0, static_cast<double>(frame.seriesCount) + 4.0);
         setShift(0.0);
         render();
         render();
@@ -97,9 +109,7 @@ public:
     void setShift(double shift)
     {
         m_chart->GetAxis(vtkAxis::BOTTOM)->SetBehavior(vtkAxis::FIXED);
-        m_chart->GetAxis(vtkAxis::LEFT)->SetBehavior(vtkAxis::FIXED);
         m_chart->GetAxis(vtkAxis::BOTTOM)->SetRange(shift, 1.0 + shift);
-        m_chart->GetAxis(vtkAxis::LEFT)->SetRange(-5.0, 9.0);
     }
 
     /// Every \p step th row from \p first on.
@@ -122,27 +132,28 @@ public:
     }
 
 private:
-    OffScreenChart<ChartXY> m_chart{width, height};
+    OffScreenChart<ChartXY> m_chart;
     std::vector<vtkSmartPointer<Plot>> m_plots;
 };
 
 template <class Plot>
-void paint(benchmark::State& state, Job job)
+void paint(benchmark::State& state, Job job, const Frame& frame, std::int64_t count)
 {
     if (std::getenv("DISPLAY") == nullptr) {
         state.SkipWithError("Needs a display, such as xvfb-run gives.");
         return;
     }
-    LineChart<Plot> chart(state.range(0));
+    LineChart<Plot> chart(frame, count);
     if (job == Job::PanAllSelected) {
         chart.select(0, 1);
     }
     std::int64_t step = 0;
     for (auto _ : state) {
         ++step;
-        if (job == Job::SelectHalf) {
+        if (job == Job::SelectHalf || job == Job::SelectFew) {
+            const std::int64_t share = job == Job::SelectHalf ? 2 : 1000;
             state.PauseTiming();
-            chart.select(step % 2, 2);
+            chart.select(step % share, share);
             state.ResumeTiming();
         } else {
             chart.setShift(0.002 * static_cast<double>(step % 50));
@@ -158,12 +169,36 @@ void add(const std::string& variant, Job job, std::int64_t most)
     const std::string name =
         std::string("charts/line_") + names[static_cast<std::size_t>(job)] + '/' + variant;
     benchmark::RegisterBenchmark(
-        name.c_str(), [job](benchmark::State& state) { paint<Plot>(state, job); })
+        name.c_str(),
+        [job](benchmark::State& state) { paint<Plot>(state, job, smallFrame, state.range(0)); })
         ->ArgName("points")
         ->RangeMultiplier(100)
         ->Range(10000, most)
         ->Unit(benchmark::kMillisecond)
         ->UseRealTime();
+}
+
+/// Some series in a window that fills a screen.
+template <class Plot>
+void addLarge(const std::string& variant, std::int64_t most)
+{
+    const std::pair<const char*, Job> jobs[] = {
+        {"paint", Job::Pan},
+        {"paint_selected", Job::PanAllSelected},
+        {"select", Job::SelectFew},
+        {"select_half", Job::SelectHalf}};
+    for (const auto& [name, job] : jobs) {
+        benchmark::RegisterBenchmark(
+            (std::string("lines/") + name + '/' + variant).c_str(),
+            [job = job](benchmark::State& state) {
+                paint<Plot>(state, job, largeFrame, state.range(1));
+            })
+            ->ArgNames({"series", "points"})
+            ->Args({largeFrame.seriesCount, most})
+            ->MeasureProcessCPUTime() // of all threads
+            ->Unit(benchmark::kMillisecond)
+            ->UseRealTime();
+    }
 }
 
 const bool isRegistered = [] {
@@ -174,6 +209,10 @@ const bool isRegistered = [] {
         // More would take minutes.
         add<vtkPlotLine>("plain", job, 10000);
     }
+    addLarge<RingedPlotLine>("ours", 1000000);
+    addLarge<RingedPlotPoints>("points", 1000000);
+    addLarge<NoLine>("floor", 1000000);
+    addLarge<vtkPlotLine>("plain", 10000);
     return true;
 }();
 

@@ -41,7 +41,8 @@ public:
     /// 1 - (1 - \p opacity)^\p count, with opacities from 0 to 255.
     [[nodiscard]] static unsigned char opacityOf(double opacity, std::uint32_t count);
 
-    /// Red, green, blue and opacity of \p count points from the lowest byte on, multiplied by the opacity.
+    /// Red, green, blue and opacity of \p count points from the lowest byte on, multiplied by the opacity;
+    /// 0 for none.
     [[nodiscard]] std::uint32_t operator[](std::uint32_t count) const
     {
         return m_colors[std::min(count, most)];

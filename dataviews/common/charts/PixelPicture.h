@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <vector>
@@ -14,10 +15,17 @@ public:
     /// All pixels are transparent then. Sizes are in pixels.
     void reset(int width, int height, int margin)
     {
+        resize(width, height, margin);
+        std::fill(m_pixels.begin(), m_pixels.end(), 0U);
+    }
+
+    /// The same for who writes all pixels: they are whatever they were.
+    void resize(int width, int height, int margin)
+    {
         m_width = width;
         m_height = height;
         m_margin = margin;
-        m_pixels.assign(static_cast<std::size_t>(stride()) * static_cast<std::size_t>(rows()), 0);
+        m_pixels.resize(static_cast<std::size_t>(stride()) * static_cast<std::size_t>(rows()));
     }
 
     [[nodiscard]] int width() const { return m_width; }

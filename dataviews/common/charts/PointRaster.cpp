@@ -1,4 +1,6 @@
 #include <dataviews/common/charts/PointRaster.h>
+#include <dataviews/common/charts/forEachAtOnce.h>
+#include <dataviews/common/charts/pixelsOver.h>
 
 #include <vtkSMPTools.h>
 
@@ -38,25 +40,6 @@ std::size_t indexOf(std::uint32_t place, int stride)
         + (place & 0xFFFFU);
 }
 
-/// \p pixel with all channels times \p share of 255.
-std::uint32_t scaled(std::uint32_t pixel, std::uint32_t share)
-{
-    // Two channels at a time; exact rounding.
-    constexpr std::uint32_t mask = 0x00FF00FFU;
-    constexpr std::uint32_t half = 0x00800080U;
-    std::uint32_t even = (pixel & mask) * share + half;
-    even = ((even + ((even >> 8U) & mask)) >> 8U) & mask;
-    std::uint32_t odd = ((pixel >> 8U) & mask) * share + half;
-    odd = (odd + ((odd >> 8U) & mask)) & ~mask;
-    return even | odd;
-}
-
-std::uint32_t over(std::uint32_t upper, std::uint32_t lower)
-{
-    const std::uint32_t opacity = upper >> 24U;
-    return opacity == opaque || lower == 0 ? upper : upper + scaled(lower, opaque - opacity);
-}
-
 /// Red, green, blue and opacity from the lowest byte on.
 std::uint32_t bytesOf(const unsigned char* color, int channels)
 {
@@ -72,22 +55,6 @@ void addTo(std::array<std::uint32_t, 4>& sums, std::uint32_t color)
     sums[1] += (color >> 8U) & byte;
     sums[2] += (color >> 16U) & byte;
     sums[3] += color >> 24U;
-}
-
-/// Calls \p function with each number from 0 to \p count, some of them at once.
-template <class Function>
-void forEachAtOnce(std::size_t count, const Function& function)
-{
-    if (count == 1) {
-        function(std::size_t(0));
-        return;
-    }
-    vtkSMPTools::For(
-        0, static_cast<vtkIdType>(count), 1, [&function](vtkIdType begin, vtkIdType end) {
-            for (vtkIdType i = begin; i < end; ++i) {
-                function(static_cast<std::size_t>(i));
-            }
-        });
 }
 
 std::size_t threadCount()
@@ -507,7 +474,8 @@ void PointRaster::paintDiscs(
     PixelPicture& picture,
     const Points& points,
     const MarkerStencil& stencil,
-    const OverlapColors& colors)
+    const OverlapColors& colors,
+    const OverlapColors* veil)
 {
     placePoints(picture, points, stencil);
     prepareBands(picture, stencil.side());
@@ -515,12 +483,23 @@ void PointRaster::paintDiscs(
         Band& band = m_bands[index];
         for (int y = band.first; y < band.last; ++y) {
             const Range range = visibleOf(band.counter.count(y, stencil), picture);
+            if (range.begin >= range.end) {
+                continue;
+            }
             const std::uint32_t* const overlap = band.counter.overlap();
-            std::uint32_t* const pixels = picture.row(y);
-            for (int x = range.begin; x < range.end; ++x) {
-                if (overlap[x] != 0) {
-                    pixels[x] = over(colors[overlap[x]], pixels[x]);
+            band.wide.resize(static_cast<std::size_t>(m_stride));
+            std::uint32_t* const upper = band.wide.data();
+            for (const OverlapColors* layer : {&colors, veil}) {
+                if (layer == nullptr) {
+                    continue;
                 }
+                for (int x = range.begin; x < range.end; ++x) {
+                    upper[x] = (*layer)[overlap[x]]; // none where there is no marker
+                }
+                paintOver(
+                    picture.row(y) + range.begin,
+                    upper + range.begin,
+                    static_cast<std::size_t>(range.end - range.begin));
             }
         }
     });
@@ -639,7 +618,7 @@ void PointRaster::paintRings(PixelPicture& picture, const Points& points, const 
             }
             for (int x = range.begin; x < range.end; ++x) {
                 if (marks[x] > threshold) {
-                    pixels[x] = over(colors[x], pixels[x]);
+                    pixels[x] = pixelOver(colors[x], pixels[x]);
                 }
             }
         }
@@ -686,7 +665,7 @@ void PointRaster::stampRings(
                 + columnOf(place);
             for (int x = 0; x < side; ++x) {
                 if (sprite[x] != 0 && marks[x] <= threshold) {
-                    pixels[x] = over(sprite[x], pixels[x]);
+                    pixels[x] = pixelOver(sprite[x], pixels[x]);
                 }
             }
         }
@@ -867,7 +846,7 @@ void PointRaster::averageColors(PixelPicture& picture, const MarkerStencil& sten
                     }
                     opacity = opacities[std::min(overlap[x], OverlapColors::most)];
                 }
-                pixels[x] = over(scaled(color, opacity), pixels[x]);
+                pixels[x] = pixelOver(scaledPixel(color, opacity), pixels[x]);
             }
         }
     });
@@ -884,7 +863,7 @@ void PointRaster::stampColors(
         if (!isSparseAt(point.place)) {
             continue;
         }
-        const std::uint32_t color = scaled(point.color | opaque << 24U, point.color >> 24U);
+        const std::uint32_t color = scaledPixel(point.color | opaque << 24U, point.color >> 24U);
         const int row = rowOf(point.place);
         for (const MarkerStencil::Run& run : stencil.runs()) {
             const int y = row + run.y;
@@ -903,7 +882,7 @@ void PointRaster::stampColors(
                 + columnOf(point.place);
             for (int x = run.begin; x < run.end; ++x) {
                 if (marks[x] <= threshold) {
-                    pixels[x] = over(color, pixels[x]);
+                    pixels[x] = pixelOver(color, pixels[x]);
                 }
             }
         }

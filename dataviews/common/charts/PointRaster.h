@@ -81,12 +81,14 @@ public:
     /// The margin that pictures need at least for a stencil of \p side pixels.
     [[nodiscard]] static int marginFor(int side) { return side + 2; }
 
-    /// All functions paint over what \p picture shows; its margin fits for the stencil.
+    /// All functions paint over what \p picture shows; its margin fits for the stencil. \p veil lies over the discs,
+    /// as if they were painted with it once more; null for none.
     void paintDiscs(
         PixelPicture& picture,
         const Points& points,
         const MarkerStencil& stencil,
-        const OverlapColors& colors);
+        const OverlapColors& colors,
+        const OverlapColors* veil = nullptr);
 
     /// \p colors are the red, green, blue and, if \p channels is 4, opacity of each point; 3 channels are opaque.
     void paintColoredDiscs(

@@ -19,13 +19,18 @@ void paintDiscs(
     PointRaster& raster,
     PixelPicture& picture,
     const PointRaster::Points& points,
-    const PointsInPicture& look)
+    const PointsInPicture& look,
+    const OverlapColors* veil = nullptr)
 {
     const MarkerStencil stencil = MarkerStencil::circle(look.markerSize * look.scale);
     if (look.colors != nullptr) {
         raster.paintColoredDiscs(picture, points, stencil, look.colors, look.channels);
+        if (veil != nullptr) {
+            raster.paintDiscs(picture, points, stencil, *veil);
+        }
     } else {
-        raster.paintDiscs(picture, points, stencil, overlapColors(look.color, look.deepening));
+        raster.paintDiscs(
+            picture, points, stencil, overlapColors(look.color, look.deepening), veil);
     }
 }
 
@@ -63,12 +68,7 @@ void PointsInPicture::paintMarks(PointRaster& raster, PixelPicture& picture) con
     if (mark.coversPoints()) {
         return;
     }
-    // The selected points lie over the rings of others.
-    paintDiscs(raster, picture, selected, *this);
-    // In a crowd the discs of one another cover all rings.
-    raster.paintDiscs(
-        picture,
-        selected,
-        MarkerStencil::circle(markerSize * scale),
-        OverlapColors::veil(ring->ring));
+    // The selected points lie over the rings of others; in a crowd their discs cover all rings.
+    const OverlapColors veil = OverlapColors::veil(ring->ring);
+    paintDiscs(raster, picture, selected, *this, &veil);
 }

@@ -15,6 +15,7 @@
 
 #include <algorithm>
 #include <array>
+#include <atomic>
 #include <memory>
 
 namespace {
@@ -28,7 +29,9 @@ struct View
     int bottom = 0;
     int width = 0;
     int height = 0;
+    std::array<int, 2> corner = {}; ///< in the viewport
     std::array<PointRaster::Axis, 2> axes = {};
+    std::array<LineEnvelope::Axis, 2> lineAxes = {};
 };
 
 View viewOf(vtkOpenGLContextDevice2D& device)
@@ -48,16 +51,28 @@ View viewOf(vtkOpenGLContextDevice2D& device)
 
     vtkNew<vtkMatrix4x4> toView;
     vtkMatrix4x4::Multiply4x4(device.GetProjectionMatrix(), device.GetModelMatrix(), toView);
-    const auto axis = [&](int row, int begin, int pixels) {
+    const auto axis = [&](int row, int begin) {
         const double half = viewport[static_cast<std::size_t>(row) + 2] / 2.0;
-        return PointRaster::axisOf(
+        return LineEnvelope::Axis{
             toView->GetElement(row, row) * half,
             viewport[static_cast<std::size_t>(row)] + (toView->GetElement(row, 3) + 1.0) * half
-                - begin,
-            pixels);
+                - begin};
     };
-    view.axes = {axis(0, view.left, view.width), axis(1, view.bottom, view.height)};
+    view.corner = {view.left - viewport[0], view.bottom - viewport[1]};
+    view.lineAxes = {axis(0, view.left), axis(1, view.bottom)};
+    const auto rasterAxis = [](const LineEnvelope::Axis& line, int pixels) {
+        return PointRaster::axisOf(line.scale, line.offset, pixels);
+    };
+    view.axes = {
+        rasterAxis(view.lineAxes[0], view.width), rasterAxis(view.lineAxes[1], view.height)};
     return view;
+}
+
+/// For a content that no picture had before.
+std::uint64_t nextNumber()
+{
+    static std::atomic<std::uint64_t> last{0};
+    return ++last;
 }
 
 std::array<unsigned char, 4> colorOf(vtkPen& pen)
@@ -109,7 +124,7 @@ bool PointsPainter::PlainKey::operator==(const PlainKey& other) const
     return width == other.width && height == other.height && margin == other.margin
         && axes == other.axes && points == other.points && pointsTime == other.pointsTime
         && colors == other.colors && colorsTime == other.colorsTime && color == other.color
-        && markerSize == other.markerSize && deepening == other.deepening;
+        && markerSize == other.markerSize && deepening == other.deepening && line == other.line;
 }
 
 bool PointsPainter::MarkKey::operator==(const MarkKey& other) const
@@ -135,7 +150,7 @@ bool PointsPainter::canPaint(
         && vtkOpenGLContextDevice2D::SafeDownCast(painter.GetDevice()) != nullptr;
 }
 
-void PointsPainter::paint(vtkContext2D& painter, const Look& look)
+bool PointsPainter::paint(vtkContext2D& painter, const Look& look)
 {
     if (auto* pictures = dynamic_cast<PointPictureDeviceInterface*>(painter.GetDevice())) {
         // What is kept is for the screen.
@@ -147,13 +162,11 @@ void PointsPainter::paint(vtkContext2D& painter, const Look& look)
             pictures->drawPicture(
                 std::make_shared<const PointPicture>(points, place.width, place.height));
         }
-        return;
+        return false;
     }
-    auto& device = *vtkOpenGLContextDevice2D::SafeDownCast(painter.GetDevice());
-    vtkOpenGLRenderWindow& window = *device.GetRenderWindow();
-    const View view = viewOf(device);
+    const View view = viewOf(*vtkOpenGLContextDevice2D::SafeDownCast(painter.GetDevice()));
     if (view.width <= 0 || view.height <= 0) {
-        return;
+        return false;
     }
     PointsInPicture points = inPicture(look);
     points.points.axes = view.axes;
@@ -169,28 +182,57 @@ void PointsPainter::paint(vtkContext2D& painter, const Look& look)
     key.color = points.color;
     key.markerSize = look.markerSize;
     key.deepening = look.deepening;
+    key.line = look.line;
 
     MarkKey markKey;
     markKey.ring = points.ring;
     markKey.pen = points.markColor;
 
-    const bool isPlainNew = paintPlain(key, points);
+    const bool isPlainNew = paintPlain(key, points, view.lineAxes);
     const bool isNew = paintMarks(markKey, points, isPlainNew) || isPlainNew;
-    if (isNew || !m_texture.isIn(window)) {
-        m_texture.update(window, m_markKey ? m_marked : m_plain);
+    if (isNew) {
+        m_number = nextNumber();
     }
-    std::array<int, 4> viewport = {};
-    window.GetState()->vtkglGetIntegerv(GL_VIEWPORT, viewport.data());
-    m_texture.draw(view.left - viewport[0], view.bottom - viewport[1]);
+    m_corner = view.corner;
+    return true;
 }
 
-bool PointsPainter::paintPlain(const PlainKey& key, const PointsInPicture& points)
+void PointsPainter::draw(vtkContext2D& painter, const std::vector<const PointsPainter*>& below)
+{
+    std::vector<PictureStack::Layer> layers;
+    for (const PointsPainter* other : below) {
+        layers.push_back(other->layer());
+    }
+    layers.push_back(layer());
+    auto& device = *vtkOpenGLContextDevice2D::SafeDownCast(painter.GetDevice());
+    m_stack.draw(*device.GetRenderWindow(), layers, m_corner[0], m_corner[1]);
+}
+
+PictureStack::Layer PointsPainter::layer() const
+{
+    return {m_markKey ? &m_marked : &m_plain, m_number};
+}
+
+bool PointsPainter::paintPlain(
+    const PlainKey& key,
+    const PointsInPicture& points,
+    const std::array<LineEnvelope::Axis, 2>& lineAxes)
 {
     if (m_plainKey == key) {
         return false;
     }
     m_plainKey = key;
     m_plain.reset(key.width, key.height, key.margin);
+    if (key.line) {
+        const LineEnvelope::Vertices vertices{
+            points.points.coordinates, static_cast<std::size_t>(points.points.count)};
+        // With the margin, from where wide lines reach into the picture.
+        const std::array<LineEnvelope::Axis, 2> axes = {
+            lineAxes[0].from(-key.margin), lineAxes[1].from(-key.margin)};
+        m_envelope.cover(
+            LineEnvelope::inSight(vertices, axes[0], m_plain.stride()), axes, m_plain.stride());
+        m_envelope.drawInto(m_plain, *key.line);
+    }
     points.paintPlain(m_raster, m_plain);
     return true;
 }

@@ -48,17 +48,24 @@ void RingedPlotLine::paintLine(vtkContext2D& painter)
     Selection = selection;
 }
 
+bool RingedPlotLine::canReduce(vtkContext2D& painter)
+{
+    const bool isLong = Points->GetNumberOfPoints() >= reductionThreshold;
+    return isLong && PolyLine && painter.GetTransform()->GetMatrix()->GetElement(0, 0) != 0.0
+        && GetScene() != nullptr && ascends();
+}
+
 bool RingedPlotLine::paintLineInSight(vtkContext2D& painter)
 {
-    const vtkMatrix3x3& matrix = *painter.GetTransform()->GetMatrix();
-    const double pixelsPerUnit = matrix.GetElement(0, 0);
-    const bool isLong = Points->GetNumberOfPoints() >= reductionThreshold;
-    if (!isLong || !PolyLine || pixelsPerUnit == 0.0 || GetScene() == nullptr || !ascends()) {
+    if (!canReduce(painter)) {
         return false;
     }
-    if (paintEnvelope(painter)) {
+    if (const std::optional<Crowd> many = crowd(painter)) {
+        paintEnvelope(painter, *many);
         return true;
     }
+    const vtkMatrix3x3& matrix = *painter.GetTransform()->GetMatrix();
+    const double pixelsPerUnit = matrix.GetElement(0, 0);
     const auto unitsAt = [&](double pixel) {
         return static_cast<float>((pixel - matrix.GetElement(0, 2)) / pixelsPerUnit);
     };
@@ -106,61 +113,60 @@ bool RingedPlotLine::paintLineInSight(vtkContext2D& painter)
     return true;
 }
 
-bool RingedPlotLine::paintEnvelope(vtkContext2D& painter)
+std::optional<RingedPlotLine::Crowd> RingedPlotLine::crowd(vtkContext2D& painter)
 {
     // Without a graphics card, strokes of which most hide one another take longer than everything else in the chart.
     auto* const device = vtkOpenGLContextDevice2D::SafeDownCast(painter.GetDevice());
     if (device == nullptr || (ScalarVisibility != 0 && Colors != nullptr)
         || Pen->GetLineType() != vtkPen::SOLID_LINE) {
-        return false;
+        return std::nullopt;
     }
-    vtkOpenGLState& state = *device->GetRenderWindow()->GetState();
-    std::array<int, 4> viewport = {};
-    state.vtkglGetIntegerv(GL_VIEWPORT, viewport.data());
+    Crowd crowd;
+    device->GetRenderWindow()->GetState()->vtkglGetIntegerv(GL_VIEWPORT, crowd.viewport.data());
     const vtkNew<vtkMatrix4x4> toView;
     vtkMatrix4x4::Multiply4x4(device->GetProjectionMatrix(), device->GetModelMatrix(), toView);
     const auto axis = [&](int row) {
-        const double half = viewport[static_cast<std::size_t>(row) + 2] / 2.0;
+        const double half = crowd.viewport[static_cast<std::size_t>(row) + 2] / 2.0;
         return LineEnvelope::Axis{
             toView->GetElement(row, row) * half, (toView->GetElement(row, 3) + 1.0) * half};
     };
-    const std::array<LineEnvelope::Axis, 2> axes = {axis(0), axis(1)};
-
-    struct Vertex
-    {
-        float x;
-        float y;
-    };
-
-    const auto* const all = static_cast<const Vertex*>(Points->GetVoidPointer(0));
-    const auto* const end = all + Points->GetNumberOfPoints();
-    const auto unitsAt = [&](double pixel) {
-        return static_cast<float>((pixel - axes[0].offset) / axes[0].scale);
-    };
-    const float left = std::min(unitsAt(0.0), unitsAt(viewport[2]));
-    const float right = std::max(unitsAt(0.0), unitsAt(viewport[2]));
-    const auto* first = std::lower_bound(
-        all, end, left, [](const Vertex& vertex, float x) { return vertex.x < x; });
-    const auto* last = std::upper_bound(
-        first, end, right, [](float x, const Vertex& vertex) { return x < vertex.x; });
-    constexpr int verticesInCrowdedColumn = 4;
-    if (last - first < verticesInCrowdedColumn * viewport[2]) {
-        return false;
+    crowd.axes = {axis(0), axis(1)};
+    const int width = crowd.viewport[2];
+    crowd.vertices = LineEnvelope::inSight(
+        {static_cast<const float*>(Points->GetVoidPointer(0)),
+         static_cast<std::size_t>(Points->GetNumberOfPoints())},
+        crowd.axes[0],
+        width);
+    constexpr std::size_t verticesInCrowdedColumn = 4;
+    if (crowd.vertices.count < verticesInCrowdedColumn * static_cast<std::size_t>(width)) {
+        return std::nullopt;
     }
-    // The edges into the picture and out of it.
-    first -= first == all ? 0 : 1;
-    last += last == end ? 0 : 1;
-    m_envelope.cover(&first->x, static_cast<std::size_t>(last - first), axes, viewport[2]);
+    return crowd;
+}
+
+LineEnvelope::Look RingedPlotLine::lineLook() const
+{
     LineEnvelope::Look look;
     look.lineWidth = Pen->GetWidth();
     std::copy_n(Pen->GetColor(), 3, look.color.begin());
     look.color[3] = Pen->GetOpacity();
-    const int bottom = m_envelope.draw(m_picture, viewport[3], look);
+    return look;
+}
+
+void RingedPlotLine::paintEnvelope(vtkContext2D& painter, const Crowd& crowd)
+{
+    m_envelope.cover(crowd.vertices, crowd.axes, crowd.viewport[2]);
+    const int bottom = m_envelope.draw(m_picture, crowd.viewport[3], lineLook());
     if (m_picture.width() > 0) {
-        m_texture.update(*device->GetRenderWindow(), m_picture);
+        auto& device = *vtkOpenGLContextDevice2D::SafeDownCast(painter.GetDevice());
+        m_texture.update(*device.GetRenderWindow(), m_picture);
         m_texture.draw(0, bottom);
     }
-    return true;
+}
+
+std::optional<LineEnvelope::Look> RingedPlotLine::lineInRaster(vtkContext2D& painter)
+{
+    return canReduce(painter) && crowd(painter) ? std::optional(lineLook()) : std::nullopt;
 }
 
 bool RingedPlotLine::ascends()

@@ -59,7 +59,7 @@ TEST(LineEnvelopeTest, CoversWhatThePolylineReachesInEachColumn)
                 pixels.insert(pixels.end(), {x * axes[0].scale + 20.0, y * axes[1].scale + 30.0});
             }
 
-            envelope.cover(points.data(), count, axes, width);
+            envelope.cover({points.data(), count}, axes, width);
             const int bottom = envelope.draw(picture, height, {1.0F, {10, 20, 30, 255}});
 
             const std::vector<std::pair<double, double>> spans = plainEnvelope(pixels);
@@ -96,7 +96,7 @@ TEST(LineEnvelopeTest, FlatLinesAreAsHighAsTheyAreWideAndStrokesOverOneAnotherHi
     LineEnvelope envelope;
     PixelPicture picture;
 
-    envelope.cover(points.data(), points.size() / 2, {}, width);
+    envelope.cover({points.data(), points.size() / 2}, {}, width);
     const int bottom = envelope.draw(picture, height, {4.0F, {200, 100, 0, 128}});
 
     EXPECT_EQ(bottom, 8);
@@ -106,7 +106,95 @@ TEST(LineEnvelopeTest, FlatLinesAreAsHighAsTheyAreWideAndStrokesOverOneAnotherHi
     EXPECT_EQ(picture.row(4)[5], 0U);
     EXPECT_EQ(picture.row(20)[36], 0xFF0064C8U);
 
-    envelope.cover(points.data(), 0, {}, width);
+    envelope.cover({points.data(), 0}, {}, width);
     EXPECT_EQ(envelope.draw(picture, height, {4.0F, {200, 100, 0, 128}}), 0);
     EXPECT_EQ(picture.width(), 0);
+}
+
+TEST(LineEnvelopeTest, ManyVerticesAreTakenInPartsThatDoNotShow)
+{
+    // Nine times up and down in each column.
+    constexpr int count = 150000;
+    constexpr double turnsInColumn = 9.3;
+    constexpr double pi = 3.14159265358979;
+    std::vector<float> points;
+    std::vector<double> travels(width);
+    std::vector<float> lows(width, 1e9F);
+    std::vector<float> highs(width, -1e9F);
+    for (int i = 0; i < count; ++i) {
+        const double x = static_cast<double>(i) * width / count;
+        const auto y = static_cast<float>(30.0 + 12.0 * std::sin(2.0 * pi * turnsInColumn * x));
+        const auto column = static_cast<std::size_t>(x);
+        travels[column] += i * width % count >= width ? std::abs(y - points.back()) : 0.0;
+        lows[column] = std::min(lows[column], y);
+        highs[column] = std::max(highs[column], y);
+        points.insert(points.end(), {static_cast<float>(x), y});
+    }
+    constexpr double opacity = 20.0 / 255.0;
+    LineEnvelope envelope;
+    PixelPicture picture;
+    PixelPicture whole;
+    whole.reset(width, height, 0);
+    const LineEnvelope::Look look{1.0F, {255, 255, 255, 20}};
+
+    envelope.cover({points.data(), count}, {}, width);
+    const int bottom = envelope.draw(picture, height, look);
+    envelope.drawInto(whole, look);
+
+    for (int column = 0; column < width; ++column) {
+        SCOPED_TRACE(column);
+        const auto index = static_cast<std::size_t>(column);
+        const double strokes = travels[index] / (highs[index] - lows[index]);
+        const double expected = 255.0 * (1.0 - std::pow(1.0 - opacity, strokes));
+        EXPECT_NEAR(whole.row(30)[column] >> 24U, expected, 2.0);
+        for (int y = 0; y < height; ++y) {
+            const bool isIn = y >= bottom && y < bottom + picture.height();
+            EXPECT_EQ(whole.row(y)[column], isIn ? picture.row(y - bottom)[column] : 0U) << y;
+        }
+    }
+    EXPECT_EQ(bottom, 18);
+    EXPECT_EQ(picture.height(), 24);
+}
+
+TEST(LineEnvelopeTest, PartsOfTheVerticesAreJoined)
+{
+    // Wherever parts of so many vertices as a power of two begin, there is a gap that an edge bridges.
+    constexpr int powers = 18;
+    constexpr float gap = 2.0F;
+    std::vector<float> points;
+    for (int power = 0; power < powers; ++power) {
+        for (int i = power == 0 ? 0 : 1 << power; i < 2 << power; ++i) {
+            points.insert(points.end(), {gap * static_cast<float>(power) + 0.5F, 30.5F});
+        }
+    }
+    LineEnvelope envelope;
+    PixelPicture picture;
+    picture.reset(width, height, 0);
+
+    envelope.cover({points.data(), points.size() / 2}, {}, width);
+    envelope.drawInto(picture, {1.0F, {0, 0, 0, 255}});
+
+    for (int column = 0; column < static_cast<int>(gap) * (powers - 1); ++column) {
+        EXPECT_NE(picture.row(30)[column], 0U) << column;
+    }
+    EXPECT_EQ(picture.row(30)[width - 1], 0U);
+}
+
+TEST(LineEnvelopeTest, VerticesInSightAreThoseInThePictureAndTheirNeighbors)
+{
+    std::vector<float> points;
+    for (int i = 0; i < 100; ++i) {
+        points.insert(points.end(), {static_cast<float>(i) + 0.5F, 0.0F});
+    }
+    const LineEnvelope::Vertices all{points.data(), 100};
+    const auto indicesOf = [&](const LineEnvelope::Axis& axis) {
+        const LineEnvelope::Vertices part = LineEnvelope::inSight(all, axis, 40);
+        return std::pair((part.points - points.data()) / 2, part.count);
+    };
+
+    EXPECT_EQ(indicesOf({2.0, -40.0}), std::pair(std::ptrdiff_t(19), std::size_t(22)));
+    EXPECT_EQ(indicesOf({-2.0, 80.0}), std::pair(std::ptrdiff_t(19), std::size_t(22)));
+    EXPECT_EQ(indicesOf({0.1, 10.0}), std::pair(std::ptrdiff_t(0), std::size_t(100)));
+    EXPECT_EQ(indicesOf({2.0, 50.0}).second, 1U) << "beside the picture, to its right";
+    EXPECT_EQ(indicesOf({2.0, -400.0}).second, 1U);
 }
