@@ -202,7 +202,7 @@ void MainWindow::openStudy(const QString& path)
         return;
     }
     m_pendingSession.reset();
-    startLoading(path, false);
+    startLoading(path, {});
 }
 
 void MainWindow::openSession(const QString& path)
@@ -239,8 +239,10 @@ void MainWindow::openSession(const QString& path, bool isOwn)
                 "The study of the session is not there any more: \"" + study.toStdString() + "\".");
         }
         m_pendingSession =
-            PendingSession{std::move(session), QFileInfo(path).absoluteFilePath(), isOwn};
-        startLoading(study, true);
+            PendingSession{std::move(session), QFileInfo(path).absoluteFilePath(), isOwn, {}, {}};
+        startLoading(study, [this](const ReadStudy& read, const StudyFingerprint& fingerprint) {
+            tryOutSession(read, fingerprint);
+        });
     } catch (const ExceptionBase& error) {
         const QString message = QString::fromUtf8(error.what());
         tellError(message);
@@ -265,9 +267,9 @@ QByteArray MainWindow::sessionText(const QString& folder) const
     return m_sessions->write(folder);
 }
 
-void MainWindow::startLoading(const QString& path, bool withFingerprint)
+void MainWindow::startLoading(const QString& path, StudyLoader::Check check)
 {
-    m_loader->start(path, withFingerprint);
+    m_loader->start(path, std::move(check));
     m_preview->start(QFileInfo(path).fileName());
     if (!isPreviewShown()) {
         m_previewDelay->start();
@@ -927,19 +929,25 @@ void MainWindow::takeStudy(const QString& path)
     Q_EMIT studyOpened(path);
 }
 
+void MainWindow::tryOutSession(const ReadStudy& study, const StudyFingerprint& fingerprint)
+{
+    const CvWaitCursor wait;
+    try {
+        m_pendingSession->remarks =
+            m_sessions->tryOut(m_pendingSession->session, study, fingerprint);
+    } catch (const std::exception& error) {
+        m_pendingSession->failure = QString::fromUtf8(error.what());
+    }
+}
+
 void MainWindow::takeSession(const QString& path)
 {
     const PendingSession pending = *std::exchange(m_pendingSession, std::nullopt);
     ReadStudy study = m_loader->takeStudy();
     const StudyFingerprint fingerprint = m_loader->fingerprint().value_or(StudyFingerprint());
-    QStringList remarks;
-    try {
-        const CvWaitCursor wait;
-        remarks = m_sessions->tryOut(pending.session, study, fingerprint);
-    } catch (const std::exception& error) {
-        const QString message = QString::fromUtf8(error.what());
-        tellError(message);
-        Q_EMIT openingFailed(pending.path, message);
+    if (!pending.failure.isEmpty()) {
+        tellError(pending.failure);
+        Q_EMIT openingFailed(pending.path, pending.failure);
         return;
     }
     replaceStudy(study);
@@ -953,10 +961,10 @@ void MainWindow::takeSession(const QString& path)
     updateTitle();
     updateActions();
     updateStatus();
-    Q_EMIT sessionOpened(pending.path, remarks);
-    if (!remarks.isEmpty()) {
+    Q_EMIT sessionOpened(pending.path, pending.remarks);
+    if (!pending.remarks.isEmpty()) {
         tellError(tr("Not all of the session could be restored:\n%1")
-                      .arg(remarks.join(QLatin1Char('\n'))));
+                      .arg(pending.remarks.join(QLatin1Char('\n'))));
     }
 }
 

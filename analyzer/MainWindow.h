@@ -1,6 +1,7 @@
 #pragma once
 
 #include <analyzer/CommandLine.h>
+#include <analyzer/StudyLoader.h>
 #include <analyzer/session/Session.h>
 #include <analyzer/study/StudyReport.h>
 
@@ -44,7 +45,6 @@ class FiltersPanel;
 class HoveredCase;
 class SessionKeeper;
 class SettingsPanel;
-class StudyLoader;
 class StudyPreview;
 class TagEditor;
 class TagsPanel;
@@ -189,8 +189,10 @@ private:
     void showPreview();
     void hidePreview();
     void updatePreview();
-    void startLoading(const QString& path, bool withFingerprint);
+    void startLoading(const QString& path, StudyLoader::Check check);
     void takeStudy(const QString& path);
+    /// The session that is to be opened, with its study, which is not open yet.
+    void tryOutSession(const ReadStudy& study, const StudyFingerprint& fingerprint);
     void takeSession(const QString& path);
     void replaceStudy(ReadStudy& study);
     void activeViewChanged();
@@ -233,6 +235,8 @@ private:
         Session session;
         QString path;
         bool isOwn; ///< the user's own file, to be saved to again
+        QStringList remarks; ///< what it has and the study does not, once it has been tried out
+        QString failure; ///< why it cannot be opened; empty if it can
     };
 
     void openSession(const QString& path, bool isOwn);

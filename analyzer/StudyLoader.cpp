@@ -4,6 +4,7 @@
 #include <analyzer/study/StudyLocation.h>
 
 #include <QFileInfo>
+#include <QTimer>
 
 #include <algorithm>
 #include <atomic>
@@ -56,7 +57,12 @@ StudyLoader::~StudyLoader()
     abandon();
 }
 
-void StudyLoader::start(const QString& path, bool withFingerprint)
+void StudyLoader::start(const QString& path)
+{
+    start(path, {});
+}
+
+void StudyLoader::start(const QString& path, Check check)
 {
     abandon();
     const auto isOver = [](const std::future<void>& thread) {
@@ -65,11 +71,9 @@ void StudyLoader::start(const QString& path, bool withFingerprint)
     m_threads.erase(std::remove_if(m_threads.begin(), m_threads.end(), isOver), m_threads.end());
     m_path = path;
     m_progress = std::make_shared<ReadProgress>();
-    m_threads.push_back(std::async(
-        std::launch::async,
-        [this, name = path.toStdString(), withFingerprint, progress = m_progress] {
-            read(name, withFingerprint, progress);
-        }));
+    const Reading reading{path, std::move(check), m_progress};
+    m_threads.push_back(
+        std::async(std::launch::async, [this, reading = reading] { read(reading); }));
 }
 
 void StudyLoader::cancel()
@@ -105,50 +109,62 @@ void StudyLoader::abandon()
     }
 }
 
-void StudyLoader::read(
-    const std::string& path, bool withFingerprint, std::shared_ptr<ReadProgress> progress)
+void StudyLoader::read(const Reading& reading)
 {
-    const QDateTime began = QDateTime::currentDateTime();
-    std::optional<StudyFingerprint> fingerprint;
+    const std::string path = reading.path.toStdString();
+    ReadProgress& progress = *reading.progress;
     // Shared, since what is posted to another thread must be copyable.
-    const auto study = std::make_shared<ReadStudy>();
-    QString message;
+    const auto outcome = std::make_shared<Outcome>();
+    outcome->began = QDateTime::currentDateTime();
     try {
-        if (withFingerprint) {
-            // It takes as long as the reading, and need not wait for that.
-            FingerprintSearch search(path, began, *progress);
-            *study = readStudy(path, *progress);
-            fingerprint = search.result();
+        if (reading.check) {
+            // The fingerprint takes as long as the reading, and need not wait for that.
+            FingerprintSearch search(path, outcome->began, progress);
+            outcome->study = readStudy(path, progress);
+            outcome->fingerprint = search.result();
         } else {
-            *study = readStudy(path, *progress);
+            outcome->study = readStudy(path, progress);
         }
-        progress->throwIfCancelled();
+        progress.throwIfCancelled();
     } catch (const ReadCancelled&) {
-        *study = {}; // here, for it may be large
-        return; // nobody waits for it
+        return; // nobody waits for it; the study, which may be large, goes here
     } catch (const std::bad_alloc&) {
-        message = tr("There is not enough memory for the study \"%1\".")
-                      .arg(QString::fromStdString(path));
+        outcome->message = tr("There is not enough memory for the study \"%1\".").arg(reading.path);
     } catch (const std::exception& error) {
-        message = QString::fromUtf8(error.what());
+        outcome->message = QString::fromUtf8(error.what());
     }
+    QMetaObject::invokeMethod(
+        this, [this, reading, outcome] { checkOutcome(reading, outcome); }, Qt::QueuedConnection);
+}
 
-    const auto deliver = [this, path, progress, study, message, fingerprint, began] {
-        if (m_progress != progress) {
-            return; // it was cancelled, or another reading was started meanwhile
-        }
-        m_progress.reset();
-        const QString name = QString::fromStdString(path);
-        if (!message.isEmpty()) {
-            Q_EMIT failed(name, message);
-        } else {
-            m_study = std::move(*study);
-            m_fingerprint = fingerprint;
-            m_readingBegan = began;
-            Q_EMIT finished(name);
-        }
-    };
-    QMetaObject::invokeMethod(this, deliver, Qt::QueuedConnection);
+void StudyLoader::checkOutcome(const Reading& reading, const std::shared_ptr<Outcome>& outcome)
+{
+    if (m_progress != reading.progress) {
+        return; // it was cancelled, or another reading was started meanwhile
+    }
+    if (!reading.check || !outcome->message.isEmpty()) {
+        deliver(reading, *outcome);
+        return;
+    }
+    reading.check(outcome->study, outcome->fingerprint.value_or(StudyFingerprint()));
+    // Behind whatever has happened in the window meanwhile, such as that somebody cancels.
+    QTimer::singleShot(0, this, [this, reading, outcome] { deliver(reading, *outcome); });
+}
+
+void StudyLoader::deliver(const Reading& reading, Outcome& outcome)
+{
+    if (m_progress != reading.progress) {
+        return;
+    }
+    m_progress.reset();
+    if (!outcome.message.isEmpty()) {
+        Q_EMIT failed(reading.path, outcome.message);
+        return;
+    }
+    m_study = std::move(outcome.study);
+    m_fingerprint = outcome.fingerprint;
+    m_readingBegan = outcome.began;
+    Q_EMIT finished(reading.path);
 }
 
 } // namespace analyzer

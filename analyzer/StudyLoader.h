@@ -8,6 +8,7 @@
 #include <QObject>
 #include <QString>
 
+#include <functional>
 #include <future>
 #include <memory>
 #include <optional>
@@ -30,11 +31,17 @@ public:
     StudyLoader& operator=(const StudyLoader&) = delete;
     ~StudyLoader() override;
 
-    /// Starts reading \p path, a file or a folder; a reading that still runs is cancelled without a signal.
-    /// \p withFingerprint finds out the fingerprint of the table as well.
-    void start(const QString& path, bool withFingerprint = false);
+    /// Called with what has been read.
+    using Check = std::function<void(const ReadStudy&, const StudyFingerprint&)>;
 
-    /// Ends in cancelled(), unless the study was ready already.
+    /// Starts reading \p path, a file or a folder; a reading that still runs is cancelled without a signal.
+    void start(const QString& path);
+
+    /// The same with the fingerprint of the table. \p check, which does not throw, is called before finished(), in the
+    /// thread of the loader and in an event of its own: it may take as long as what is done then.
+    void start(const QString& path, Check check);
+
+    /// Ends in cancelled(), unless the study was ready and checked already.
     void cancel();
 
     [[nodiscard]] bool isRunning() const { return m_progress != nullptr; }
@@ -65,9 +72,29 @@ Q_SIGNALS:
     void cancelled(const QString& path);
 
 private:
+    /// What a reading is about.
+    struct Reading
+    {
+        QString path;
+        Check check; ///< empty if neither that nor a fingerprint is wanted
+        std::shared_ptr<ReadProgress> progress;
+    };
+
+    /// What came out of it.
+    struct Outcome
+    {
+        ReadStudy study;
+        std::optional<StudyFingerprint> fingerprint;
+        QDateTime began;
+        QString message; ///< why there is no study; empty if there is one
+    };
+
     void abandon();
-    void read(
-        const std::string& path, bool withFingerprint, std::shared_ptr<ReadProgress> progress);
+    void read(const Reading& reading);
+
+    /// On the thread of the loader.
+    void checkOutcome(const Reading& reading, const std::shared_ptr<Outcome>& outcome);
+    void deliver(const Reading& reading, Outcome& outcome);
 
     std::vector<std::future<void>> m_threads; ///< of the reading that runs, and of cancelled ones
     std::shared_ptr<ReadProgress> m_progress; ///< of the reading that runs

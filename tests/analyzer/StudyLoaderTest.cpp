@@ -6,11 +6,14 @@
 #include <QSignalSpy>
 #include <QTemporaryDir>
 #include <QTest>
+#include <QTimer>
 
 #include <gtest/gtest.h>
 
 namespace {
 
+using analyzer::ReadStudy;
+using analyzer::StudyFingerprint;
 using analyzer::StudyLoader;
 
 class StudyLoaderTest : public testing::Test
@@ -99,6 +102,44 @@ TEST_F(StudyLoaderTest, AnotherStartTakesThePlaceOfTheRunningOne)
     EXPECT_EQ(m_finished[0][0].toString(), small);
     EXPECT_EQ(m_loader.takeStudy().project->caseCount(), 3U);
     EXPECT_EQ(signalCount(), 1);
+}
+
+TEST_F(StudyLoaderTest, ChecksWhatIsReadInAnEventOfItsOwnBeforeItIsFinished)
+{
+    std::size_t checkedCases = 0;
+    std::size_t checkedSize = 0;
+    int signalsAtNextEvent = -1;
+    m_loader.start(
+        write(QStringLiteral("a.csv"), 100),
+        [&](const ReadStudy& study, const StudyFingerprint& fingerprint) {
+            checkedCases = study.project->caseCount();
+            checkedSize = fingerprint.size;
+            EXPECT_TRUE(m_loader.isRunning());
+            QTimer::singleShot(0, &m_loader, [&] { signalsAtNextEvent = signalCount(); });
+        });
+    waitForSignal();
+
+    EXPECT_EQ(m_finished.size(), 1);
+    EXPECT_EQ(checkedCases, 100U);
+    EXPECT_GT(checkedSize, 0U);
+    EXPECT_EQ(signalsAtNextEvent, 0) << "the window takes what has happened meanwhile";
+    EXPECT_EQ(m_loader.takeStudy().project->caseCount(), 100U);
+    ASSERT_TRUE(m_loader.fingerprint().has_value());
+}
+
+TEST_F(StudyLoaderTest, CancelAfterTheCheckEndsTheReading)
+{
+    m_loader.start(
+        write(QStringLiteral("a.csv"), 100),
+        [&](const ReadStudy& /*study*/, const StudyFingerprint& /*fingerprint*/) {
+            m_loader.cancel();
+        });
+    waitForSignal();
+    QTest::qWait(20);
+
+    EXPECT_EQ(m_cancelled.size(), 1);
+    EXPECT_EQ(signalCount(), 1);
+    EXPECT_FALSE(m_loader.isRunning());
 }
 
 TEST_F(StudyLoaderTest, MayDieWhileItReads)
