@@ -41,3 +41,21 @@ TEST(OverlapColorsTest, CrowdsGrowDarkerOrBrighterOrStay)
     EXPECT_EQ(darker[OverlapColors::most], darker[4000000000U]);
     EXPECT_GT(channel(darker[OverlapColors::most], 0), 0);
 }
+
+TEST(OverlapColorsTest, AVeilBeginsBehindTheThresholdAndThickensWithoutHidingWhatIsBelow)
+{
+    const OverlapColors veil = OverlapColors::veil({200, 100, 0});
+    for (std::uint32_t count = 0; count <= OverlapColors::threshold; ++count) {
+        EXPECT_EQ(veil[count], 0U);
+    }
+    int thinner = 0;
+    for (std::uint32_t count = OverlapColors::threshold + 1; count < OverlapColors::most;
+         count *= 2) {
+        const int opacity = channel(veil[count], 3);
+        EXPECT_GT(opacity, thinner);
+        EXPECT_LT(opacity, 255);
+        EXPECT_NEAR(channel(veil[count], 0), 200.0 * opacity / 255.0, 1.0);
+        EXPECT_EQ(channel(veil[count], 2), 0);
+        thinner = opacity;
+    }
+}
