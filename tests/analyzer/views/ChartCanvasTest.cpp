@@ -29,63 +29,61 @@ void count(int& frames, vtkRenderer& renderer)
     renderer.AddObserver(vtkCommand::EndEvent, counter);
 }
 
+/// A window with a canvas that a red renderer paints.
+struct CanvasInWindow
+{
+    CanvasInWindow()
+    {
+        window.resize(400, 300);
+        renderer->SetBackground(1.0, 0.0, 0.0);
+        renderWindow->AddRenderer(renderer);
+        canvas->setRenderWindow(renderWindow);
+        canvas->resize(100, 100);
+        window.show();
+        EXPECT_TRUE(QTest::qWaitForWindowExposed(&window));
+        QCoreApplication::processEvents();
+        count(frames, *renderer);
+    }
+
+    QWidget window;
+    analyzer::ChartCanvas* canvas = new analyzer::ChartCanvas(&window);
+    vtkNew<vtkGenericOpenGLRenderWindow> renderWindow;
+    vtkNew<vtkRenderer> renderer;
+    int frames = 0; ///< since it was shown
+};
+
 } // namespace
 
 TEST(ChartCanvasTest, PaintsOnceItsSizeHasSettled)
 {
-    QWidget parent;
-    parent.resize(400, 300);
-    auto* canvas = new analyzer::ChartCanvas(&parent);
-    vtkNew<vtkGenericOpenGLRenderWindow> window;
-    vtkNew<vtkRenderer> renderer;
-    window->AddRenderer(renderer);
-    canvas->setRenderWindow(window);
-    canvas->resize(100, 100);
-    parent.show();
-    ASSERT_TRUE(QTest::qWaitForWindowExposed(&parent));
-    QCoreApplication::processEvents();
-    int frames = 0;
-    count(frames, *renderer);
+    CanvasInWindow shown;
 
     for (const int side : {120, 90, 200}) {
-        canvas->resize(side, side);
+        shown.canvas->resize(side, side);
     }
-    EXPECT_EQ(frames, 0);
-    parent.grab();
+    EXPECT_EQ(shown.frames, 0);
+    shown.window.grab();
 
-    EXPECT_GE(frames, 1);
-    EXPECT_EQ(window->GetSize()[0], 200 * qRound(canvas->devicePixelRatioF()));
+    EXPECT_GE(shown.frames, 1);
+    EXPECT_EQ(shown.renderWindow->GetSize()[0], 200 * qRound(shown.canvas->devicePixelRatioF()));
 }
 
 TEST(ChartCanvasTest, PaintsANewSizeAfterTheWindowAndAtOnceForWhoWantsAPicture)
 {
-    QWidget parent;
-    parent.resize(400, 300);
-    auto* canvas = new analyzer::ChartCanvas(&parent);
-    const vtkNew<vtkGenericOpenGLRenderWindow> window;
-    const vtkNew<vtkRenderer> renderer;
-    renderer->SetBackground(1.0, 0.0, 0.0);
-    window->AddRenderer(renderer);
-    canvas->setRenderWindow(window);
-    canvas->resize(100, 100);
-    parent.show();
-    ASSERT_TRUE(QTest::qWaitForWindowExposed(&parent));
-    QCoreApplication::processEvents();
-    int frames = 0;
-    count(frames, *renderer);
+    CanvasInWindow shown;
 
-    canvas->resize(200, 120);
-    QCoreApplication::sendPostedEvents(&parent, QEvent::UpdateRequest);
-    EXPECT_EQ(frames, 0);
+    shown.canvas->resize(200, 120);
+    QCoreApplication::sendPostedEvents(&shown.window, QEvent::UpdateRequest);
+    EXPECT_EQ(shown.frames, 0);
     QCoreApplication::processEvents();
-    EXPECT_EQ(frames, 1);
+    EXPECT_EQ(shown.frames, 1);
 
-    canvas->resize(150, 200);
-    const QImage picture = parent.grab().toImage();
-    EXPECT_EQ(frames, 2);
+    shown.canvas->resize(150, 200);
+    const QImage picture = shown.window.grab().toImage();
+    EXPECT_EQ(shown.frames, 2);
     EXPECT_EQ(picture.pixelColor(140, 190), QColor(Qt::red));
     QCoreApplication::processEvents();
-    EXPECT_EQ(frames, 2);
+    EXPECT_EQ(shown.frames, 2);
 }
 
 TEST(ChartCanvasTest, PaintsAMarkedSceneOnceBeforeTheWindowAndNotWhileItIsHidden)
